@@ -1,0 +1,48 @@
+#include "cli/task.h"
+
+#include "chess/fen.h"
+#include "problems/problem.h"
+
+#include <charconv>
+
+namespace corvina
+{
+namespace
+{
+
+std::string Trimmed(const std::string& strText)
+{
+    constexpr const char* BLANKS = " \t\r";
+    const auto first = strText.find_first_not_of(BLANKS);
+    if (first == std::string::npos)
+        return {};
+    return strText.substr(first, strText.find_last_not_of(BLANKS) - first + 1);
+}
+
+} // namespace
+
+TTask ReadTaskLine(const std::string& strLine)
+{
+    const auto separator = strLine.rfind(';');
+    if (separator == std::string::npos)
+        throw ChessException("Expected a line \"FEN;N\": " + strLine);
+    TTask task;
+    task.m_strFen = Trimmed(strLine.substr(0, separator));
+    const std::string strMate = Trimmed(strLine.substr(separator + 1));
+    const char* pEnd = strMate.data() + strMate.size();
+    const auto [pRead, error] = std::from_chars(strMate.data(), pEnd, task.m_nMate);
+    if (error != std::errc() || pRead != pEnd || task.m_nMate < 1 || task.m_nMate > MAX_MATE)
+        throw ChessException("Expected a number of moves from 1 to " + std::to_string(MAX_MATE) +
+                             ": " + strMate);
+    return task;
+}
+
+TChessboard BoardOfFen(const std::string& strFen)
+{
+    TChessboard board;
+    if (!ReadFen(board, strFen))
+        throw ChessException("Improper FEN code");
+    return board;
+}
+
+} // namespace corvina

@@ -1,0 +1,56 @@
+#include "search/solve.h"
+
+#include "search/findmate.h"
+
+namespace corvina
+{
+namespace
+{
+
+std::uint8_t SearchModeOf(const TSolveRequest& request, const TRunSettings& settings)
+{
+    if (request.m_nSearchMode & SEARCH_FIXED)
+        return request.m_nSearchMode;
+    std::uint8_t nMode = request.m_nForcedSearchMode;
+    if (nMode == 0)
+        nMode = settings.m_bStopAtFirstSolution ? SEARCH_FIRST : SEARCH_ALL;
+    if ((request.m_nRunOptions & RUN_ALLSOLUTIONS) && (nMode & SEARCH_FIRST))
+        nMode = static_cast<std::uint8_t>((nMode & ~SEARCH_FIRST) | SEARCH_ALL);
+    return nMode;
+}
+
+/// Resolves what the run takes from the options.
+void PrepareRun(TSolveRequest& request, const TRunSettings& settings)
+{
+    request.m_bThreadsForced = false;
+    request.m_bSolutionFound = false;
+    request.m_bPassWithoutHeuristics = false;
+    request.m_nPassCount = 0;
+    request.m_nPositions = 0;
+    request.m_bSafeMode = !settings.m_bQuickMode;
+    request.m_nSearchMode = SearchModeOf(request, settings);
+}
+
+} // namespace
+
+TSolveOutcome Solve(TSolveRequest& request, const TRunSettings& settings)
+{
+    if (request.m_nProblemType != PROBLEM_DIRECTMATE || request.m_nRequestedMoves % 2 == 0)
+        throw ChessException("Only mate problems (type=1) supported currently.");
+    PrepareRun(request, settings);
+    TChessboard& root = *request.m_pChessboard;
+    root.m_pRequest = &request;
+    root.CheckStartPosition(request.m_nRequestedMoves, true);
+
+    const TFoundSolutionsHold hold;
+    request.m_pFoundSolutions = request.m_nSearchMode & SEARCH_ALL ? hold.get() : nullptr;
+    request.m_tStart = request.m_tFirstMoveStart = std::chrono::steady_clock::now();
+    TSolveOutcome outcome;
+    outcome.m_nResult = FindMate(root, request.m_nRequestedMoves, outcome.m_vecSolutions);
+    outcome.m_elapsed = std::chrono::steady_clock::now() - request.m_tStart;
+    outcome.m_bStopped = request.m_bCutShort;
+    request.m_pFoundSolutions = nullptr;
+    return outcome;
+}
+
+} // namespace corvina

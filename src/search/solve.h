@@ -1,0 +1,39 @@
+#ifndef CORVINA_SEARCH_SOLVE_H
+#define CORVINA_SEARCH_SOLVE_H
+
+#include "search/solverequest.h"
+
+#include <chrono>
+#include <cstdint>
+#include <vector>
+
+namespace corvina
+{
+
+/// Values of the program's options that a run reads.
+struct TRunSettings
+{
+    int m_nThreads = 1;
+    bool m_bStopAtFirstSolution = false;
+    bool m_bQuickMode = true;
+};
+
+struct TSolveOutcome
+{
+    /// 1: at least one solution, 0: none. 0 is a proof only when m_bStopped is false.
+    std::int8_t m_nResult = 0;
+    std::vector<TMove> m_vecSolutions;
+    bool m_bStopped = false;                   ///< the run was ended before it was done
+    std::chrono::duration<double> m_elapsed{}; ///< seconds
+};
+
+/// Solves the problem of the request: finds the first moves of White that force mate within
+/// m_nRequestedMoves half-moves, the first one or all, as m_nSearchMode, m_nForcedSearchMode, the
+/// settings and m_nRunOptions say, in this order. A stop state set before the call is lifted.
+/// Throws ChessException for a position that is no start position, and for a stipulation other
+/// than a directmate.
+TSolveOutcome Solve(TSolveRequest& request, const TRunSettings& settings);
+
+} // namespace corvina
+
+#endif

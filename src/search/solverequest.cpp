@@ -1,0 +1,57 @@
+#include "search/solverequest.h"
+
+#include "chess/notation.h"
+
+#include <algorithm>
+#include <mutex>
+
+namespace corvina
+{
+namespace
+{
+
+std::mutex g_csSolutions;
+
+/// The number of solutions at which the options end the run; 0 for none.
+std::size_t SolutionLimit(std::uint32_t nRunOptions)
+{
+    if (nRunOptions & RUN_STOPON2SOLUTIONS)
+        return 2;
+    if (nRunOptions & RUN_STOPON3SOLUTIONS)
+        return 3;
+    return nRunOptions & RUN_STOPON4SOLUTIONS ? 4 : 0;
+}
+
+} // namespace
+
+void TSolveRequest::SetMateIn(int nMoves)
+{
+    m_nRequestedMoves = HalfMovesOfMate(std::clamp(nMoves, 1, MAX_MATE));
+    m_nShortestRepetitionDepth = m_nRequestedMoves;
+    m_pChessboard->m_nMoves = m_pChessboard->m_nInitialMoves = m_nRequestedMoves;
+}
+
+bool HasEnoughSolutions(const TSolveRequest& request)
+{
+    const std::size_t nLimit = SolutionLimit(request.m_nRunOptions);
+    return nLimit && request.m_vecSolutions.size() >= nLimit;
+}
+
+void AddSolution(TSolveRequest& request, const TMove& move)
+{
+    const std::lock_guard guard(g_csSolutions);
+    auto& vecSolutions = request.m_vecSolutions;
+    if (std::any_of(vecSolutions.begin(), vecSolutions.end(),
+                    [&](const TMove& other) { return IsSameMove(move, other); }))
+        return;
+    if (request.m_pFoundSolutions)
+        request.m_pFoundSolutions->Publish(move);
+    vecSolutions.push_back(move);
+    if (HasEnoughSolutions(request))
+        request.SetStopState(TStopBlock::STOP, TStopBlock::ALL_THREADS);
+    if (request.OnSolutionFound)
+        request.OnSolutionFound(move, PrintMove(move, *request.m_pChessboard),
+                                request.m_nProblemNumber);
+}
+
+} // namespace corvina

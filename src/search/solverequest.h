@@ -1,0 +1,80 @@
+#ifndef CORVINA_SEARCH_SOLVEREQUEST_H
+#define CORVINA_SEARCH_SOLVEREQUEST_H
+
+#include "problems/problem.h"
+#include "search/foundsolutions.h"
+#include "search/stopblock.h"
+#include "search/threadcontext.h"
+
+#include <atomic>
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace corvina
+{
+
+/// How far a run goes: bits of TSolveRequest::m_nSearchMode.
+constexpr std::uint8_t SEARCH_FIRST = 1;   ///< stop at the first solution
+constexpr std::uint8_t SEARCH_ALL = 2;     ///< find all solutions
+constexpr std::uint8_t SEARCH_THREADS = 4; ///< the caller has set the number of threads
+constexpr std::uint8_t SEARCH_FIXED = 8;   ///< the mode isn't derived from the options
+
+/// One open problem and its run. The document part is what a file tells; this part is what all
+/// threads of a run share. Lives as long as the problem is open.
+struct TSolveRequest : TProblem, TStopBlock
+{
+    std::uint8_t m_nThreads = 1; ///< asked for by the options or by the engine
+    std::uint8_t m_nMultithreadingLevels = 0;
+    std::uint8_t m_nEffectiveThreads = 1; ///< root threads that the root board was built for
+    std::atomic<std::uint8_t> m_nRunningThreads{0}; ///< root threads that have finished
+    bool m_bMirroredRun = false;
+    std::uint8_t m_nForcedSearchMode = 0; ///< of the command at hand; 0: from the options
+    std::uint8_t m_nForcedThreads = 0;
+    bool m_bSolutionFound = false;
+    std::vector<TMove> m_vecSolutions;             ///< result of the last run
+    TFoundSolutions* m_pFoundSolutions = nullptr;  ///< of this run, may be null
+    std::int16_t m_shLookForQuickerMateDepth = -1; ///< half-moves; -1: automatic
+    std::uint64_t m_nPlannedPasses = 0;
+    std::uint32_t m_nFirstMovesTotal = 1;
+    std::atomic<std::uint32_t> m_nPassCount{0};
+    std::uint8_t m_nHybridBruteForcePhase = 0;
+    bool m_bBruteForce = false;
+    bool m_bBruteForceOverrides = false;
+    bool m_bLastMoveStarted = false;
+    bool m_bPassWithoutHeuristics = false;
+    bool m_bThreadsForced = false;
+    std::uint8_t m_nSearchMode = 0; ///< SEARCH_...
+    std::int32_t m_nThreadPriority = 0;
+    std::uint32_t m_nRequiredHeuristics = 0;
+    bool m_bSafeMode = false;
+    std::uint16_t m_nShortestRepetitionDepth = 0;
+    std::chrono::steady_clock::time_point m_tStart;          ///< of the run
+    std::chrono::steady_clock::time_point m_tFirstMoveStart; ///< of the search proper
+    bool m_bCutShort = false;                                ///< a stop left first moves undecided
+    std::uint64_t m_nPositions = 0;                          ///< legal moves made in the last run
+
+    /// Called for each solution as it is found, and with a zero move and an empty text at the end.
+    std::function<void(const TMove& move, const std::string& strText, int nProblemNumber)>
+        OnSolutionFound;
+
+    /// Called when a pass begins; its number from 1.
+    std::function<void(std::uint32_t nPass)> OnPassStart;
+
+    /// Sets the stipulation and all that follows it: a mate in nMoves moves, clamped to 1 to
+    /// MAX_MATE.
+    void SetMateIn(int nMoves);
+};
+
+/// The options limit the number of solutions, and the run has that many.
+bool HasEnoughSolutions(const TSolveRequest& request);
+
+/// Notes a solution of the run, once, and reports it. With a limit on the number of solutions among
+/// the run's options, reaching it stops the run. Any thread of any run may call it.
+void AddSolution(TSolveRequest& request, const TMove& move);
+
+} // namespace corvina
+
+#endif

@@ -1,0 +1,51 @@
+#include "support/positions.h"
+
+#include "chess/fen.h"
+
+#include <stdexcept>
+
+namespace corvina
+{
+
+TTestLine::TTestLine(const std::string& strFen, int nMoves) : context(nMoves)
+{
+    board.m_pThread = &context;
+    context.m_pRootBoard = &board;
+    if (!ReadFen(board, strFen))
+        throw std::invalid_argument("no FEN: " + strFen);
+    board.CheckStartPosition(static_cast<std::uint16_t>(nMoves), true);
+}
+
+std::vector<TMove> LegalMoves(TChessboard& board)
+{
+    TMoveList list;
+    const bool bWhite = board.IsWhiteToMove();
+    const int nCount =
+        bWhite ? board.GenerateWhiteMoves(list.data()) : board.GenerateBlackMoves(list.data());
+    std::vector<TMove> vecLegal;
+    for (int i = 0; i < nCount; ++i) {
+        TChessboard child = board;
+        child.m_pParent = &board;
+        TMove move = list[i];
+        if (!move.IsNull() &&
+            (bWhite ? child.MakeWhiteUserMove(&move) : child.MakeBlackUserMove(&move)))
+            vecLegal.push_back(move);
+    }
+    return vecLegal;
+}
+
+TChessboard& PlayMove(TChessboard& board, TMove move)
+{
+    TChessboard& child = board.m_pThread->MakeChild(board);
+    if (!(board.IsWhiteToMove() ? child.MakeWhiteUserMove(&move) : child.MakeBlackUserMove(&move)))
+        throw std::logic_error("the move is refused");
+    return child;
+}
+
+int HalfMovesFor(const std::string& strFen, int nPlies)
+{
+    const bool bBlack = strFen.find(" b ") != std::string::npos;
+    return bBlack ? (nPlies + 2) & ~1 : (nPlies + 1) | 1;
+}
+
+} // namespace corvina
