@@ -39,7 +39,7 @@ struct alignas(16) TChessboard
     static constexpr std::uint16_t POSITION_BAREBLACKKING = 0x400;
     /// White's only figures are bishops that don't control the square on which his only pawns, all
     /// on that rook's file, promote.
-    static constexpr std::uint16_t POSITION_WRONGBISHOP = 0x1000;
+    static constexpr std::uint16_t POSITION_WRONGBISHOP = 0x2000;
 
     /// The ring of the Black king within m_boardFlags.
     static constexpr int RING_SHIFT = 3;

@@ -8,12 +8,14 @@ namespace corvina
 namespace
 {
 
-/// Squares that were the destination of a move between the root and the record.
+/// Squares that were the destination of a move between the root and the record. Passing is no move.
 TSquareSet Destinations(const TChessboard& board)
 {
     TSquareSet set = 0;
-    for (const TChessboard* p = &board; p->m_pParent; p = p->m_pParent)
-        set |= Bit(p->m_LastMove.m_to);
+    for (const TChessboard* p = &board; p->m_pParent; p = p->m_pParent) {
+        if (!p->m_LastMove.IsNull())
+            set |= Bit(p->m_LastMove.m_to);
+    }
     return set;
 }
 

@@ -7,7 +7,8 @@
 #include <memory>
 #include <vector>
 
-namespace corvina {
+namespace corvina
+{
 
 /// Kinds of problem: values of TProblem::m_nProblemType.
 constexpr std::uint8_t PROBLEM_DIRECTMATE = 1;
@@ -15,9 +16,10 @@ constexpr std::uint8_t PROBLEM_SELFMATE = 2; ///< read and written, not solved
 constexpr std::uint8_t PROBLEM_LINE = 4;     ///< a position with a played line, no stipulation
 
 /// Bits of TProblem::m_nRunOptions.
-constexpr std::uint32_t RUN_NOMIRROR = 0x1;            ///< no mirrored run
-constexpr std::uint32_t RUN_ALLSOLUTIONS = 0x2;        ///< a single-solution mode becomes an all-solutions mode
-constexpr std::uint32_t RUN_ANSWERKNOWN = 0x4;         ///< the answer is known and compared
+constexpr std::uint32_t RUN_NOMIRROR = 0x1; ///< no mirrored run
+constexpr std::uint32_t RUN_ALLSOLUTIONS =
+    0x2; ///< a single-solution mode becomes an all-solutions mode
+constexpr std::uint32_t RUN_ANSWERKNOWN = 0x4; ///< the answer is known and compared
 constexpr std::uint32_t RUN_STOPON2SOLUTIONS = 0x8;
 constexpr std::uint32_t RUN_STOPON3SOLUTIONS = 0x10;
 constexpr std::uint32_t RUN_STOPON4SOLUTIONS = 0x8000;
@@ -37,14 +39,14 @@ struct TProblem
 {
     std::uint8_t m_nProblemType = PROBLEM_DIRECTMATE;
     std::int32_t m_nProblemNumber = 0;
-    std::uint16_t m_nRequestedMoves = 1;         ///< stipulation in half-moves
+    std::uint16_t m_nRequestedMoves = 1; ///< stipulation in half-moves
     std::unique_ptr<TChessboard> m_pChessboard = std::make_unique<TChessboard>();
     std::vector<TMove> m_vecExpectedSolutions;
-    std::uint32_t m_nRunOptions = 0;             ///< RUN_...
-    std::int8_t m_nRequestedThreads = -1;        ///< -1: from the options
+    std::uint32_t m_nRunOptions = 0;      ///< RUN_...
+    std::int8_t m_nRequestedThreads = -1; ///< -1: from the options
     std::int8_t m_nRequestedMultithreadingLevels = -1;
     std::int16_t m_shRequestedSchedulerLevels = -1;
-    std::int32_t m_nMemoryLimitMB = -1;          ///< for precalculated data; -1: from the options
+    std::int32_t m_nMemoryLimitMB = -1; ///< for precalculated data; -1: from the options
     bool m_bStopRelaxingAfterSolution = false;
 };
 

@@ -150,6 +150,20 @@ TEST(Board, ScanDerivesTheOtherMembers)
     EXPECT_EQ(Scanned("Kh1 kh8 rh5 nf2").m_whiteChecker, DOUBLE_CHECK);
 }
 
+TEST(Board, RootIsThatOfTheThreadOrTheTopOfTheLine)
+{
+    TChessboard root = Scanned("Ke1 Rh1 ke8");
+    TChessboard child = root;
+    child.m_pParent = &root;
+    EXPECT_EQ(&root.GetRootBoard(), &root);
+    EXPECT_EQ(&child.GetRootBoard(), &root);
+    EXPECT_EQ(child.GetCastlingRights(true), CASTLING_SHORT);
+    TTestLine line("4k3/8/8/8/8/8/8/4K3 w - - 0 1", 3);
+    child.m_pThread = &line.context;
+    EXPECT_EQ(&child.GetRootBoard(), &line.board);
+    EXPECT_EQ(child.GetCastlingRights(true), 0);
+}
+
 TEST(Board, MoreThanNineQueensAndPawnsAreAskedAbout)
 {
     const std::string strNote =

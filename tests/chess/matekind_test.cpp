@@ -11,27 +11,9 @@ namespace corvina
 namespace
 {
 
-std::string Mirrored(const std::string& strBoard)
-{
-    std::string strResult, strRank;
-    for (const char c : strBoard + '/') {
-        if (c != '/') {
-            strRank.insert(strRank.begin(), c);
-            continue;
-        }
-        strResult += (strResult.empty() ? "" : "/") + strRank;
-        strRank.clear();
-    }
-    return strResult;
-}
-
 TEST(MateKind, ModelAndIdealMates)
 {
-    const struct
-    {
-        const char* m_pBoard; ///< Black is to move
-        EMateKind m_kind;
-    } aCases[] = {
+    const std::pair<const char*, EMateKind> aCases[] = {
         {"rnbqkbnr/pppppppp/8/8/4P3/8/PPPP1PPP/RNBQKBNR", EMateKind::None},
         {"4k3/8/8/8/8/8/4r3/1K2R3", EMateKind::None},
         {"k7/2Q5/1K6/8/8/8/8/8", EMateKind::Stalemate},
@@ -59,11 +41,11 @@ TEST(MateKind, ModelAndIdealMates)
         // The same pin, and a second man that guards d7
         {"3rkr2/3b4/6K1/1BN5/8/8/8/4R3", EMateKind::Mate},
     };
-    for (const auto& c : aCases) {
-        for (const std::string& strBoard : {std::string(c.m_pBoard), Mirrored(c.m_pBoard)}) {
-            TTestLine line(strBoard, 2);
-            EXPECT_EQ(GetMateKind(line.board), c.m_kind) << strBoard;
-        }
+    for (const auto& [pBoard, kind] : aCases) {
+        TTestLine line(pBoard, 2);
+        EXPECT_EQ(GetMateKind(line.board), kind) << pBoard;
+        line.board.MirrorBoard();
+        EXPECT_EQ(GetMateKind(line.board), kind) << pBoard;
     }
 }
 

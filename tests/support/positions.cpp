@@ -7,6 +7,18 @@
 namespace corvina
 {
 
+std::vector<std::string> Split(const std::string& strText, char separator)
+{
+    std::vector<std::string> vecParts(1);
+    for (const char c : strText) {
+        if (c == separator)
+            vecParts.emplace_back();
+        else
+            vecParts.back() += c;
+    }
+    return vecParts;
+}
+
 TTestLine::TTestLine(const std::string& strFen, int nMoves) : context(nMoves)
 {
     board.m_pThread = &context;

@@ -23,6 +23,9 @@ std::string FailureText(F operation)
     return "";
 }
 
+/// The parts of a text between the separators.
+std::vector<std::string> Split(const std::string& strText, char separator);
+
 /// A root position with a line of its own. Throws std::invalid_argument for a text that is no FEN
 /// and ChessException for a position that is no start position of a task.
 struct TTestLine
