@@ -4,19 +4,73 @@
 #include "chess/linecontext.h"
 
 #include <cstdint>
+#include <vector>
 
 namespace corvina
 {
 
-/// Everything that a search thread does not share: the line that it follows and its counters. One
-/// per thread of a run.
+/// A move that has decided a node, with the figure that made it: worth trying first at the next
+/// node of the same depth.
+struct TKiller
+{
+    TMove m_move{};
+    TFigure m_figure = NO_FIGURE;
+};
+
+/// Everything that a search thread does not share: the line that it follows, the state of the
+/// nodes on it, and its counters. One per thread of a run.
 class TThreadContext : public TLineContext
 {
 public:
-    using TLineContext::TLineContext;
+    explicit TThreadContext(int nMaxPlies) : TLineContext(nMaxPlies) { ReserveLevels(nMaxPlies); }
+
+    /// Reserve of the base together with the state per depth.
+    void ReserveLevels(int nMaxPlies)
+    {
+        Reserve(nMaxPlies);
+        const auto nLevels = static_cast<std::size_t>(nMaxPlies) + 2;
+        m_anRepeatDepth.resize(nLevels);
+        m_anMoveIndex.resize(nLevels);
+        m_anMoveCount.resize(nLevels);
+        m_aBlackKillers.resize(nLevels);
+        m_aWhiteKillers.resize(nLevels);
+    }
 
     std::uint16_t m_nThreadId = 0;  ///< for the stop block; 0 in a single-threaded run
     std::uint64_t m_nPositions = 0; ///< legal moves made
+
+    // Position repetition. Element d + 1 holds, after the moves of the node of depth d are done,
+    // the largest m_nMoves of a position further up on which an answer below the node leans; 0:
+    // none.
+    std::vector<std::uint16_t> m_anRepeatDepth;
+
+    // Where the thread stands, for the panel: index of the move under analysis and their number.
+    std::vector<std::uint8_t> m_anMoveIndex;
+    std::vector<std::uint8_t> m_anMoveCount;
+
+    // The short mate search.
+    std::uint8_t m_nQuickerMateNesting = 0; ///< calls that are open
+    bool m_bNoQuickerMate = false;          ///< the short mate search answers no at once
+    std::uint16_t m_shAdditionalMoves = 0;  ///< full moves that a hit in a register may use on top
+    bool m_bAdditionalMovesUsed = false;    ///< a mate was accepted thanks to them
+    std::uint16_t m_nQuickerMateRootDepth = 0; ///< m_nMoves of m_pQuickerMateRoot
+    TChessboard* m_pQuickerMateRoot = nullptr; ///< the position of the outermost call
+    bool m_bSpecialSolverTried = false;
+
+    /// The heuristic that made the last result doubtful; 0 and -1: the register said so.
+    std::int32_t m_nDoubtReason = 0;
+
+    /// A mate was proved by a capture of the figure that Black had just promoted: it holds against
+    /// each of the four.
+    bool m_bSkipEqualPromotions = false;
+
+    std::uint8_t m_nSuspended = 0; ///< 0: active, 1: held by the scheduler, 2 and more: abandon
+    std::uint16_t m_nDefenceDepth = 65535; ///< depth of the node whose replies are all walked
+
+    /// Refutations by depth, the latest first.
+    std::vector<TKiller> m_aBlackKillers;
+    std::vector<TKiller> m_aWhiteKillers;
+    TKiller m_lastMate; ///< the latest mating move
 };
 
 /// The context of the thread that a record of the search belongs to.
