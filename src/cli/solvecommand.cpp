@@ -28,6 +28,8 @@ struct TSolveOptions
     bool m_bAll = false;
     std::optional<double> m_dSeconds;
     bool m_bJson = false;
+    bool m_bPlain = false;
+    int m_nThreads = 1;
 };
 
 std::vector<std::string> SolutionTexts(const TSolveRequest& request, const TSolveOutcome& outcome)
@@ -84,6 +86,8 @@ int SolveTask(const TTask& task, const TSolveOptions& options)
     request.m_pChessboard->CheckFigureLimits(nullptr, options.m_bJson ? stderr : stdout);
     TRunSettings settings;
     settings.m_bStopAtFirstSolution = options.m_bFirst;
+    settings.m_nThreads = options.m_nThreads;
+    request.m_bPlain = options.m_bPlain;
 
     std::optional<TWatchdog::TClock::duration> timeLimit;
     if (options.m_dSeconds)
@@ -99,10 +103,11 @@ int SolveTask(const TTask& task, const TSolveOptions& options)
     return outcome.m_nResult == 1 ? EXIT_SOLVED : EXIT_NO_SOLUTION;
 }
 
-/// Bad input outweighs a stop, a stop a lack of solutions.
-int WorseExitCode(int a, int b)
+/// The exit code of a list: bad input outweighs a stop, a stop a solution, and "no solution" stands
+/// only when no position has one.
+int JoinedExitCode(int a, int b)
 {
-    constexpr int aRank[] = {0, 1, 3, 2};
+    constexpr int aRank[] = {1, 0, 3, 2};
     return aRank[a] >= aRank[b] ? a : b;
 }
 
@@ -110,14 +115,14 @@ int WorseExitCode(int a, int b)
 /// over. A bad line is reported and the rest is solved all the same.
 int SolveLines(std::istream& input, const std::string& strName, const TSolveOptions& options)
 {
-    int nExitCode = EXIT_SOLVED;
+    int nExitCode = EXIT_NO_SOLUTION;
     std::string strLine;
     for (int nLine = 1; std::getline(input, strLine) && !TWatchdog::WasInterrupted(); ++nLine) {
         const auto first = strLine.find_first_not_of(" \t\r");
         if (first == std::string::npos || strLine[first] == '#')
             continue;
         try {
-            nExitCode = WorseExitCode(nExitCode, SolveTask(ReadTaskLine(strLine), options));
+            nExitCode = JoinedExitCode(nExitCode, SolveTask(ReadTaskLine(strLine), options));
         }
         catch (const ChessException& error) {
             std::fprintf(stderr, "%s:%d: %s\n", strName.c_str(), nLine, error.what());
@@ -164,6 +169,11 @@ void AddSolveCommand(CLI::App& app, int& nExitCode)
     pCommand->add_option("--time", pOptions->m_dSeconds, "give up after so many seconds a position")
         ->check(CLI::Range(0.0, 1e9));
     pCommand->add_flag("--json", pOptions->m_bJson, "print one JSON object a position");
+    pCommand
+        ->add_option("--threads", pOptions->m_nThreads, "threads that share the first moves (1)")
+        ->check(CLI::Range(1, 64));
+    pCommand->add_flag("--plain", pOptions->m_bPlain,
+                       "search by the plain recursion, for comparison");
     pCommand->callback([pOptions, &nExitCode] { nExitCode = RunSolve(*pOptions); });
 }
 
