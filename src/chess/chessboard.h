@@ -41,6 +41,9 @@ struct alignas(16) TChessboard
     /// on that rook's file, promote.
     static constexpr std::uint16_t POSITION_WRONGBISHOP = 0x2000;
 
+    /// The endgame tables cover the material; set by the search.
+    static constexpr std::uint16_t POSITION_GLOBALREGISTER = 0x800;
+
     /// The ring of the Black king within m_boardFlags.
     static constexpr int RING_SHIFT = 3;
     static constexpr std::uint16_t RING_MASK = 3 << RING_SHIFT;
@@ -154,9 +157,11 @@ struct alignas(16) TChessboard
     /// step, or NO_SQUARE. Whether a pawn stands beside it is not looked at.
     TSquare DoubleSteppedPawn() const;
 
-    /// Has the position after the last move stood before in this line, with no pawn move and no
-    /// capture in between, the same side to move and the same rights of Black to castle?
-    bool IsRepetition() const;
+    /// The nearest record further up the line with this position, the same side to move and the
+    /// same rights of Black to castle, and no pawn move and no capture in between; or null.
+    const TChessboard* FindEarlierOccurrence() const;
+
+    bool IsRepetition() const { return FindEarlierOccurrence() != nullptr; }
 
     // Generation (generate.cpp): pseudo-legal moves in a fixed order; the lists have the room of a
     // TMoveList. A square that holds no figure of the side gives no move.

@@ -94,17 +94,17 @@ TSquare TChessboard::DoubleSteppedPawn() const
     return m_LastMove.m_to;
 }
 
-bool TChessboard::IsRepetition() const
+const TChessboard* TChessboard::FindEarlierOccurrence() const
 {
     const TChessboard* p = this;
     while (p->m_pParent && p->m_pParent->m_pParent) {
         if (IsPawnMoveOrCapture(*p) || IsPawnMoveOrCapture(*p->m_pParent))
-            return false;
+            return nullptr;
         p = p->m_pParent->m_pParent;
         if (IsSamePosition(*this, *p))
-            return true;
+            return p;
     }
-    return false;
+    return nullptr;
 }
 
 } // namespace corvina

@@ -2,6 +2,8 @@
 
 #include "search/findmate.h"
 
+#include <algorithm>
+
 namespace corvina
 {
 namespace
@@ -19,6 +21,8 @@ std::uint8_t SearchModeOf(const TSolveRequest& request, const TRunSettings& sett
     return nMode;
 }
 
+constexpr int MAX_THREADS = 255;
+
 /// Resolves what the run takes from the options.
 void PrepareRun(TSolveRequest& request, const TRunSettings& settings)
 {
@@ -29,6 +33,11 @@ void PrepareRun(TSolveRequest& request, const TRunSettings& settings)
     request.m_nPositions = 0;
     request.m_bSafeMode = !settings.m_bQuickMode;
     request.m_nSearchMode = SearchModeOf(request, settings);
+    request.m_nThreads = static_cast<std::uint8_t>(std::clamp(
+        request.m_nForcedThreads ? request.m_nForcedThreads : settings.m_nThreads, 1, MAX_THREADS));
+    request.m_nEffectiveThreads = request.m_nThreads;
+    request.m_nRunningThreads = 0;
+    request.m_nShortestRepetitionDepth = request.m_nRequestedMoves;
 }
 
 } // namespace
@@ -37,6 +46,7 @@ TSolveOutcome Solve(TSolveRequest& request, const TRunSettings& settings)
 {
     if (request.m_nProblemType != PROBLEM_DIRECTMATE || request.m_nRequestedMoves % 2 == 0)
         throw ChessException("Only mate problems (type=1) supported currently.");
+    request.ClearStopState();
     PrepareRun(request, settings);
     TChessboard& root = *request.m_pChessboard;
     root.m_pRequest = &request;
@@ -46,7 +56,7 @@ TSolveOutcome Solve(TSolveRequest& request, const TRunSettings& settings)
     request.m_pFoundSolutions = request.m_nSearchMode & SEARCH_ALL ? hold.get() : nullptr;
     request.m_tStart = request.m_tFirstMoveStart = std::chrono::steady_clock::now();
     TSolveOutcome outcome;
-    outcome.m_nResult = FindMate(root, request.m_nRequestedMoves, outcome.m_vecSolutions);
+    outcome.m_nResult = FindMate(root, outcome.m_vecSolutions);
     outcome.m_elapsed = std::chrono::steady_clock::now() - request.m_tStart;
     outcome.m_bStopped = request.m_bCutShort;
     request.m_pFoundSolutions = nullptr;

@@ -53,12 +53,16 @@ struct TSolveRequest : TProblem, TStopBlock
     std::uint16_t m_nShortestRepetitionDepth = 0;
     std::chrono::steady_clock::time_point m_tStart;          ///< of the run
     std::chrono::steady_clock::time_point m_tFirstMoveStart; ///< of the search proper
+    bool m_bPlain = false;                                   ///< by the plain recursion
     bool m_bCutShort = false;                                ///< a stop left first moves undecided
     std::uint64_t m_nPositions = 0;                          ///< legal moves made in the last run
 
     /// Called for each solution as it is found, and with a zero move and an empty text at the end.
     std::function<void(const TMove& move, const std::string& strText, int nProblemNumber)>
         OnSolutionFound;
+
+    /// Called each second of a run, from the thread that waits for it.
+    std::function<void(int nSeconds)> OnSecond;
 
     /// Called when a pass begins; its number from 1.
     std::function<void(std::uint32_t nPass)> OnPassStart;

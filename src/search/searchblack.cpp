@@ -1,0 +1,112 @@
+#include "search/nodes.h"
+#include "search/ordering.h"
+#include "search/registeraccess.h"
+#include "search/shortmate.h"
+#include "search/solverequest.h"
+
+#include <optional>
+
+namespace corvina
+{
+namespace
+{
+
+/// A node at Black's move with at least 4 half-moves left.
+template <int nKind>
+class TBlackNode
+{
+public:
+    explicit TBlackNode(TChessboard& board)
+        : m_board(board), m_request(*board.m_pRequest), m_context(ContextOf(board)),
+          m_nDepth(board.m_nMoves), m_anRepeat(m_context.m_anRepeatDepth)
+    {
+    }
+
+    TSearchResult Search()
+    {
+        TMoveList moves;
+        int nMoves = m_board.GenerateBlackMoves(moves.data());
+        nMoves = SortBlackMoves(m_board, moves.data(), nMoves);
+        m_context.m_anMoveCount[m_nDepth] = static_cast<std::uint8_t>(nMoves);
+        for (int i = 0; i < nMoves; ++i) {
+            if (m_request.IsStopped(m_context.m_nThreadId))
+                return RESULT_NO_MATE;
+            m_context.m_anMoveIndex[m_nDepth] = static_cast<std::uint8_t>(i);
+            const TSearchResult nResult = TryReply(moves[i]);
+            if (nResult != RESULT_MATE) {
+                m_context.m_aBlackKillers[m_nDepth] = {moves[i], m_board.m_board[moves[i].m_from]};
+                return ResultOfRefutation(nResult);
+            }
+            if (moves[i].PromotionKind() && m_context.m_bSkipEqualPromotions) {
+                m_context.m_bSkipEqualPromotions = false;
+                nMoves = DropEqualPromotions(moves.data(), i, nMoves);
+            }
+        }
+        return nMoves > 0 || m_board.m_blackChecker != NO_CHECK ? RESULT_MATE : RESULT_NO_MATE;
+    }
+
+private:
+    /// The list holds legal moves only. A result above 0: White mates all the same.
+    TSearchResult TryReply(TMove& move)
+    {
+        TChessboard& child = m_context.MakeChild(m_board);
+        if (!child.MakeBlackMove(&move, true))
+            return RESULT_MATE;
+        ++m_context.m_nPositions;
+        m_context.m_bSkipEqualPromotions = false;
+        if (UsesRegister(child)) {
+            if (const auto known = ProbeRegister(child))
+                return *known;
+        }
+        const bool bQuick =
+            child.m_nPass == 1 ? LookForQuickerMate(child) : LookForQuickerMateInLastPass(child);
+        m_context.m_bSkipEqualPromotions = false;
+        return bQuick ? RESULT_MATE : SearchWhite<nKind>(child);
+    }
+
+    TSearchResult ResultOfRefutation(TSearchResult nResult)
+    {
+        if (nResult > RESULT_REPETITION)
+            return nResult;
+        if (m_anRepeat[m_nDepth] <= m_nDepth)
+            return m_board.m_nPass == 1 ? RESULT_DOUBTFUL : RESULT_NO_MATE;
+        m_anRepeat[m_nDepth + 1] = m_anRepeat[m_nDepth];
+        return nResult;
+    }
+
+    /// Takes the other promotions on the square out of the rest of the list.
+    static int DropEqualPromotions(TMove* pMoves, int nDone, int nMoves)
+    {
+        int nKept = nDone + 1;
+        for (int i = nDone + 1; i < nMoves; ++i) {
+            if (FromTo(pMoves[i]) != FromTo(pMoves[nDone]))
+                pMoves[nKept++] = pMoves[i];
+        }
+        return nKept;
+    }
+
+    TChessboard& m_board;
+    TSolveRequest& m_request;
+    TThreadContext& m_context;
+    const std::uint16_t m_nDepth;
+    std::vector<std::uint16_t>& m_anRepeat;
+};
+
+} // namespace
+
+template <int nKind>
+TSearchResult SearchBlack(TChessboard& board)
+{
+    if (board.m_nMoves == 0)
+        return board.m_blackChecker != NO_CHECK && !board.CanBlackEscapeCheck() ? RESULT_MATE
+                                                                                : RESULT_NO_MATE;
+    if (board.m_nMoves == 2)
+        return SearchLastReplies(board);
+    return TBlackNode<nKind>(board).Search();
+}
+
+template TSearchResult SearchBlack<NODE_MAIN>(TChessboard&);
+template TSearchResult SearchBlack<NODE_DEFENCE>(TChessboard&);
+template TSearchResult SearchBlack<NODE_DEFENCE_DEEPER>(TChessboard&);
+
+} // namespace corvina
