@@ -1,0 +1,141 @@
+#include "chess/fen.h"
+#include "search/plainsearch.h"
+#include "search/shortmate.h"
+#include "search/solve.h"
+#include "support/data.h"
+#include "support/slowchess.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstring>
+
+namespace corvina
+{
+namespace
+{
+
+/// A way to solve: what is switched on.
+struct TWay
+{
+    const char* m_pName;
+    bool m_bPlain;
+    int m_nThreads;
+    bool m_bMirrored;
+};
+
+TMove Mirrored(TMove move)
+{
+    move.m_from ^= 7;
+    move.m_to ^= 7;
+    return move;
+}
+
+std::vector<std::string> Solutions(const TChessboard& board, int nMate, const TWay& way)
+{
+    TSolveRequest request;
+    *request.m_pChessboard = board;
+    if (way.m_bMirrored)
+        request.m_pChessboard->MirrorBoard();
+    request.SetMateIn(nMate);
+    request.m_bPlain = way.m_bPlain;
+    TRunSettings settings;
+    settings.m_nThreads = way.m_nThreads;
+    std::vector<TMove> vecMoves = Solve(request, settings).m_vecSolutions;
+    if (way.m_bMirrored)
+        std::transform(vecMoves.begin(), vecMoves.end(), vecMoves.begin(), Mirrored);
+    return SortedTexts(vecMoves);
+}
+
+bool HasCastlingFigures(const TChessboard& board)
+{
+    return board.GetCastlingRights(true) || board.GetCastlingRights(false);
+}
+
+/// The yardstick is the plain recursion, which the second method of the tests has checked.
+void ExpectTheSameFromEveryWay(const TChessboard& board, int nMate)
+{
+    constexpr TWay PLAIN = {"plain", true, 1, false};
+    constexpr TWay aWays[] = {{"one thread", false, 1, false},
+                              {"four threads", false, 4, false},
+                              {"mirrored", false, 1, true}};
+    const auto vecExpected = Solutions(board, nMate, PLAIN);
+    for (const TWay& way : aWays) {
+        if (way.m_bMirrored && HasCastlingFigures(board))
+            continue;
+        EXPECT_EQ(Solutions(board, nMate, way), vecExpected)
+            << way.m_pName << ": " << WriteFen(board, true) << " #" << nMate;
+    }
+}
+
+TEST(Nodes, EveryWayFindsTheSolutionsOfThePlainRecursion)
+{
+    struct TBatch
+    {
+        int m_nMate, m_nPositions, m_nMinFigures, m_nMaxFigures;
+    };
+    constexpr TBatch aBatches[] = {
+        {1, 1500, 3, 24}, {2, 2500, 3, 20}, {3, 1000, 3, 9}, {4, 60, 3, 5}};
+    std::mt19937 random(99);
+    for (const TBatch& batch : aBatches) {
+        for (int i = 0; i < batch.m_nPositions; ++i) {
+            const int nFigures =
+                batch.m_nMinFigures + i % (batch.m_nMaxFigures - batch.m_nMinFigures + 1);
+            ExpectTheSameFromEveryWay(RandomPosition(random, nFigures), batch.m_nMate);
+        }
+    }
+}
+
+TEST(Nodes, AnswersOfTheDataFolderUpToFiveMoves)
+{
+    if (!HasDataFolder())
+        GTEST_SKIP() << "CORVINA_DATA is not set";
+    for (const TAnsweredTask& task : ReadAnsweredTasks("mates-dev.tsv")) {
+        if (task.m_nMate > 5)
+            continue;
+        TChessboard board;
+        ASSERT_TRUE(ReadFen(board, task.m_strFen));
+        for (const int nThreads : {1, 4}) {
+            const TWay way = {"", false, nThreads, false};
+            EXPECT_EQ(Solutions(board, task.m_nMate, way).size(), task.m_vecKeys.size())
+                << task.m_strFen;
+        }
+    }
+}
+
+TEST(Nodes, ShortMatesAgreeWithThePlainRecursion)
+{
+    using TTest = bool (*)(TChessboard&);
+    struct TCase
+    {
+        TTest m_test;
+        std::uint16_t m_nPlies;
+        int m_nPositions, m_nMaxFigures;
+    };
+    const TCase aCases[] = {
+        {IsMateInOne, 1, 20000, 30}, {IsMateInTwo, 3, 4000, 16}, {IsMateInThree, 5, 400, 7}};
+    std::mt19937 random(5);
+    for (const TCase& test : aCases) {
+        int nMates = 0;
+        for (int i = 0; i < test.m_nPositions; ++i) {
+            TSolveRequest request;
+            TChessboard board = RandomPosition(random, 3 + i % (test.m_nMaxFigures - 2));
+            TThreadContext context(9);
+            context.m_pRootBoard = &board;
+            board.m_pThread = &context;
+            board.m_pRequest = &request;
+            board.m_nMoves = board.m_nInitialMoves = test.m_nPlies;
+            const bool bExpected = PlainSearchWhite(board) == 1;
+            nMates += bExpected;
+            board.m_nMoves = 7;
+            const TChessboard before = board;
+            ASSERT_EQ(test.m_test(board), bExpected)
+                << WriteFen(board, true) << " in " << test.m_nPlies << " half-moves";
+            ASSERT_EQ(std::memcmp(&board, &before, sizeof board), 0) << "the record has changed";
+        }
+        EXPECT_GT(nMates, test.m_nPositions / 100);
+    }
+}
+
+} // namespace
+} // namespace corvina
