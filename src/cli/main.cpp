@@ -27,6 +27,7 @@ int main(int argc, char** argv)
                "answer.");
     int nExitCode = 0;
     corvina::AddSolveCommand(app, nExitCode);
+    corvina::AddDefendCommand(app, nExitCode);
     corvina::AddPerftCommand(app, nExitCode);
     corvina::AddIdCommand(app, nExitCode);
     corvina::AddBenchCommand(app, nExitCode);

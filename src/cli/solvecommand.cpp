@@ -2,7 +2,6 @@
 #include "chess/notation.h"
 #include "cli/commands.h"
 #include "cli/task.h"
-#include "platform/watchdog.h"
 #include "search/solve.h"
 
 #include <CLI/CLI.hpp>
@@ -89,12 +88,7 @@ int SolveTask(const TTask& task, const TSolveOptions& options)
     settings.m_nThreads = options.m_nThreads;
     request.m_bPlain = options.m_bPlain;
 
-    std::optional<TWatchdog::TClock::duration> timeLimit;
-    if (options.m_dSeconds)
-        timeLimit = std::chrono::duration_cast<TWatchdog::TClock::duration>(
-            std::chrono::duration<double>(*options.m_dSeconds));
-    const TWatchdog watchdog(
-        timeLimit, [&request] { request.SetStopState(TStopBlock::STOP, TStopBlock::ALL_THREADS); });
+    const auto pWatchdog = StopAfter(request, options.m_dSeconds);
     const TSolveOutcome outcome = Solve(request, settings);
     (options.m_bJson ? PrintJson : PrintText)(task, request, outcome);
     std::fflush(stdout);

@@ -2,6 +2,7 @@
 
 #include "chess/fen.h"
 #include "problems/problem.h"
+#include "search/solverequest.h"
 
 #include <charconv>
 
@@ -43,6 +44,17 @@ TChessboard BoardOfFen(const std::string& strFen)
     if (!ReadFen(board, strFen))
         throw ChessException("Improper FEN code");
     return board;
+}
+
+std::unique_ptr<TWatchdog> StopAfter(TSolveRequest& request, std::optional<double> dSeconds)
+{
+    std::optional<TWatchdog::TClock::duration> timeLimit;
+    if (dSeconds)
+        timeLimit = std::chrono::duration_cast<TWatchdog::TClock::duration>(
+            std::chrono::duration<double>(*dSeconds));
+    return std::make_unique<TWatchdog>(timeLimit, [&request] {
+        request.SetStopState(TStopBlock::STOP, TStopBlock::ALL_THREADS);
+    });
 }
 
 } // namespace corvina

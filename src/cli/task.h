@@ -2,7 +2,10 @@
 #define CORVINA_CLI_TASK_H
 
 #include "chess/chessboard.h"
+#include "platform/watchdog.h"
 
+#include <memory>
+#include <optional>
 #include <string>
 
 namespace corvina
@@ -21,6 +24,10 @@ TTask ReadTaskLine(const std::string& strLine);
 /// The position of a FEN. Throws ChessException "Improper FEN code" for a text that is none, and
 /// the board's own errors.
 TChessboard BoardOfFen(const std::string& strFen);
+
+/// Stops the run of the request after so many seconds, and when the user interrupts the program, as
+/// long as the object lives.
+std::unique_ptr<TWatchdog> StopAfter(TSolveRequest& request, std::optional<double> dSeconds);
 
 } // namespace corvina
 

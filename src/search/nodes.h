@@ -27,6 +27,9 @@ TSearchResult SearchBlack(TChessboard& board);
 
 extern template TSearchResult SearchWhite<NODE_MAIN>(TChessboard&, bool);
 extern template TSearchResult SearchBlack<NODE_MAIN>(TChessboard&);
+extern template TSearchResult SearchBlack<NODE_DEFENCE>(TChessboard&);
+extern template TSearchResult SearchWhite<NODE_DEFENCE_DEEPER>(TChessboard&, bool);
+extern template TSearchResult SearchBlack<NODE_DEFENCE_DEEPER>(TChessboard&);
 
 } // namespace corvina
 

@@ -1,3 +1,4 @@
+#include "chess/notation.h"
 #include "search/nodes.h"
 #include "search/ordering.h"
 #include "search/registeraccess.h"
@@ -11,7 +12,7 @@ namespace corvina
 namespace
 {
 
-/// A node at Black's move with at least 4 half-moves left.
+/// A node at Black's move, other than the leaves.
 template <int nKind>
 class TBlackNode
 {
@@ -28,6 +29,8 @@ public:
         int nMoves = m_board.GenerateBlackMoves(moves.data());
         nMoves = SortBlackMoves(m_board, moves.data(), nMoves);
         m_context.m_anMoveCount[m_nDepth] = static_cast<std::uint8_t>(nMoves);
+        if (nKind == NODE_DEFENCE && m_nDepth == m_context.m_nDefenceDepth)
+            return WalkAllReplies(moves.data(), nMoves);
         for (int i = 0; i < nMoves; ++i) {
             if (m_request.IsStopped(m_context.m_nThreadId))
                 return RESULT_NO_MATE;
@@ -46,6 +49,38 @@ public:
     }
 
 private:
+    /// The root of the defence task: every reply is analysed and recorded.
+    TSearchResult WalkAllReplies(TMove* pMoves, int nMoves)
+    {
+        m_request.m_vecDefences.clear();
+        m_request.m_vecDefenceRecords.clear();
+        for (int i = 0; i < nMoves; ++i) {
+            const auto start = std::chrono::steady_clock::now();
+            const std::uint64_t nPositions = m_context.m_nPositions;
+            const TSearchResult nResult = TryReply(pMoves[i]);
+            if (nResult != RESULT_MATE && m_request.IsStopped(m_context.m_nThreadId))
+                break;
+            TDefenceRecord record;
+            record.m_move = pMoves[i];
+            record.m_nPositions = m_context.m_nPositions - nPositions;
+            record.m_nMilliseconds = static_cast<std::uint32_t>(
+                (std::chrono::steady_clock::now() - start) / std::chrono::milliseconds(1));
+            record.m_bRepetition = nResult == RESULT_REPETITION;
+            record.m_bRefutes = nResult != RESULT_MATE && !record.m_bRepetition;
+            m_request.m_vecDefenceRecords.push_back(record);
+            if (nResult != RESULT_MATE)
+                NoteDefence(pMoves[i]);
+        }
+        return m_request.m_vecDefences.empty() ? RESULT_MATE : RESULT_NO_MATE;
+    }
+
+    void NoteDefence(const TMove& move)
+    {
+        m_request.m_vecDefences.push_back(move);
+        if (m_request.OnDefenceFound)
+            m_request.OnDefenceFound(move, PrintMove(move, m_board), m_request.m_nProblemNumber);
+    }
+
     /// The list holds legal moves only. A result above 0: White mates all the same.
     TSearchResult TryReply(TMove& move)
     {
@@ -61,7 +96,8 @@ private:
         const bool bQuick =
             child.m_nPass == 1 ? LookForQuickerMate(child) : LookForQuickerMateInLastPass(child);
         m_context.m_bSkipEqualPromotions = false;
-        return bQuick ? RESULT_MATE : SearchWhite<nKind>(child);
+        constexpr int CHILD_KIND = nKind == NODE_MAIN ? NODE_MAIN : NODE_DEFENCE_DEEPER;
+        return bQuick ? RESULT_MATE : SearchWhite<CHILD_KIND>(child);
     }
 
     TSearchResult ResultOfRefutation(TSearchResult nResult)
@@ -100,7 +136,9 @@ TSearchResult SearchBlack(TChessboard& board)
     if (board.m_nMoves == 0)
         return board.m_blackChecker != NO_CHECK && !board.CanBlackEscapeCheck() ? RESULT_MATE
                                                                                 : RESULT_NO_MATE;
-    if (board.m_nMoves == 2)
+    const bool bWalkAll =
+        nKind == NODE_DEFENCE && board.m_nMoves == ContextOf(board).m_nDefenceDepth;
+    if (board.m_nMoves == 2 && !bWalkAll)
         return SearchLastReplies(board);
     return TBlackNode<nKind>(board).Search();
 }

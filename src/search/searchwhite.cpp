@@ -230,7 +230,6 @@ TSearchResult SearchWhite(TChessboard& board, bool bProbeRegister)
 }
 
 template TSearchResult SearchWhite<NODE_MAIN>(TChessboard&, bool);
-template TSearchResult SearchWhite<NODE_DEFENCE>(TChessboard&, bool);
 template TSearchResult SearchWhite<NODE_DEFENCE_DEEPER>(TChessboard&, bool);
 
 } // namespace corvina

@@ -16,6 +16,16 @@
 namespace corvina
 {
 
+/// How the analysis of one reply at the root of the defence task ended.
+struct TDefenceRecord
+{
+    TMove m_move{};
+    std::uint64_t m_nPositions = 0;
+    std::uint32_t m_nMilliseconds = 0;
+    bool m_bRefutes = false;    ///< the reply prevented mate within the stipulation
+    bool m_bRepetition = false; ///< the reply led only to position repetition
+};
+
 /// How far a run goes: bits of TSolveRequest::m_nSearchMode.
 constexpr std::uint8_t SEARCH_FIRST = 1;   ///< stop at the first solution
 constexpr std::uint8_t SEARCH_ALL = 2;     ///< find all solutions
@@ -56,6 +66,15 @@ struct TSolveRequest : TProblem, TStopBlock
     bool m_bPlain = false;                                   ///< by the plain recursion
     bool m_bCutShort = false;                                ///< a stop left first moves undecided
     std::uint64_t m_nPositions = 0;                          ///< legal moves made in the last run
+
+    bool m_bRegisterConfirm = false;  ///< hits under heuristics count only for the exact setting
+    bool m_bThoroughDefence = false;
+    std::vector<TMove> m_vecDefences; ///< replies that refute, in the order in which they were found
+    std::vector<TDefenceRecord> m_vecDefenceRecords;
+
+    /// Called for each reply of the defence task that refutes.
+    std::function<void(const TMove& move, const std::string& strText, int nProblemNumber)>
+        OnDefenceFound;
 
     /// Called for each solution as it is found, and with a zero move and an empty text at the end.
     std::function<void(const TMove& move, const std::string& strText, int nProblemNumber)>
