@@ -28,6 +28,7 @@ struct TSolveOptions
     std::optional<double> m_dSeconds;
     bool m_bJson = false;
     bool m_bPlain = false;
+    bool m_bNoRegister = false;
     int m_nThreads = 1;
 };
 
@@ -87,6 +88,7 @@ int SolveTask(const TTask& task, const TSolveOptions& options)
     settings.m_bStopAtFirstSolution = options.m_bFirst;
     settings.m_nThreads = options.m_nThreads;
     request.m_bPlain = options.m_bPlain;
+    request.m_bUseRegister = !options.m_bNoRegister;
 
     const auto pWatchdog = StopAfter(request, options.m_dSeconds);
     const TSolveOutcome outcome = Solve(request, settings);
@@ -166,6 +168,8 @@ void AddSolveCommand(CLI::App& app, int& nExitCode)
     pCommand
         ->add_option("--threads", pOptions->m_nThreads, "threads that share the first moves (1)")
         ->check(CLI::Range(1, 64));
+    pCommand->add_flag("--no-register", pOptions->m_bNoRegister,
+                       "search without memory of positions, for comparison");
     pCommand->add_flag("--plain", pOptions->m_bPlain,
                        "search by the plain recursion, for comparison");
     pCommand->callback([pOptions, &nExitCode] { nExitCode = RunSolve(*pOptions); });

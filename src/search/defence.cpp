@@ -6,8 +6,10 @@
 
 #include <algorithm>
 
-namespace corvina {
-namespace {
+namespace corvina
+{
+namespace
+{
 
 /// The ranking looks for mates of at most so many half-moves.
 constexpr int MAX_RANKING_PLIES = 9;
@@ -17,9 +19,9 @@ constexpr int MAX_RANKED_PLIES_THOROUGH = 10;
 class TDefenceSearch
 {
 public:
-    TDefenceSearch(TSolveRequest& request, bool bThorough) :
-        m_request(request), m_root(*request.m_pChessboard), m_bThorough(bThorough),
-        m_context(request.m_nRequestedMoves + MAX_RANKING_PLIES)
+    TDefenceSearch(TSolveRequest& request, bool bThorough)
+        : m_request(request), m_root(*request.m_pChessboard), m_bThorough(bThorough),
+          m_context(request.m_nRequestedMoves + MAX_RANKING_PLIES)
     {
         m_context.m_pRootBoard = &m_root;
         m_root.m_pThread = &m_context;
@@ -181,7 +183,8 @@ private:
             if (IsMatedWithin(defence.m_move, k)) {
                 defence.m_nMatedIn = k;
                 vecGo.push_back(defence);
-            } else {
+            }
+            else {
                 vecStay.push_back(defence);
             }
         }
@@ -200,8 +203,8 @@ private:
         auto& ranked = m_outcome.m_vecRanked;
         m_outcome.m_strText = pText + PrintMove(ranked.front().m_move, m_root);
         for (std::size_t i = 1; i < std::min(m_nEquals, ranked.size()); ++i)
-            m_outcome.m_strText += (i == 1 ? "\nEquivalent moves: " : ", ") +
-                                   PrintMove(ranked[i].m_move, m_root);
+            m_outcome.m_strText +=
+                (i == 1 ? "\nEquivalent moves: " : ", ") + PrintMove(ranked[i].m_move, m_root);
         return m_outcome;
     }
 
@@ -211,9 +214,9 @@ private:
     const bool m_bThorough;
     TThreadContext m_context;
     std::vector<TMove> m_vecReplies;
-    TMove m_only{};         ///< the only reply to consider
-    bool m_bOnly = false;   ///< there is such a reply
-    bool m_bShort = false;  ///< the others allow a short mate
+    TMove m_only{};        ///< the only reply to consider
+    bool m_bOnly = false;  ///< there is such a reply
+    bool m_bShort = false; ///< the others allow a short mate
     std::size_t m_nEquals = 1;
     TDefenceOutcome m_outcome;
 };

@@ -6,23 +6,24 @@
 #include <string>
 #include <vector>
 
-namespace corvina {
+namespace corvina
+{
 
 /// A reply of Black with its standing.
 struct TRankedDefence
 {
     TMove m_move;
-    bool m_bRefutes;  ///< no mate within the half-moves left
-    int m_nMatedIn;   ///< half-moves of White's shortest mate against it; 0: none was found
+    bool m_bRefutes; ///< no mate within the half-moves left
+    int m_nMatedIn;  ///< half-moves of White's shortest mate against it; 0: none was found
 };
 
 /// What the search for Black's best defence has found.
 struct TDefenceOutcome
 {
-    bool m_bStopped = false;      ///< ended before it was done, with nothing to show
-    bool m_bMateFollows = false;  ///< every reply loses within the half-moves left
+    bool m_bStopped = false;       ///< ended before it was done, with nothing to show
+    bool m_bMateFollows = false;   ///< every reply loses within the half-moves left
     bool m_bSettledAtOnce = false; ///< there was but one reply to consider: nothing was searched
-    std::string m_strText;        ///< the outcome in words, with the best move and its equals
+    std::string m_strText;         ///< the outcome in words, with the best move and its equals
     std::vector<TRankedDefence> m_vecRanked; ///< replies, the best first
 };
 

@@ -199,6 +199,16 @@ std::vector<TMove> FirstMoves(TChessboard& root)
     return std::vector<TMove>(moves.data(), moves.data() + nLegal);
 }
 
+/// The table of the register, for tasks that use it. What earlier runs have learnt stays.
+void PrepareRegister(TSolveRequest& request)
+{
+    if (!request.m_bUseRegister || request.m_bPlain)
+        return;
+    auto& reg = request.m_TemporaryRegister;
+    TAggregatedTemporaryChessboardRegister::ResetSweepDepth();
+    reg.SetBuckets(reg.GetBucketsForSolve(request.m_pChessboard->m_nInitialMoves), true);
+}
+
 /// Solutions in the order of their squares, whichever thread found them first.
 void SortSolutions(std::vector<TMove>& vecMoves)
 {
@@ -214,6 +224,7 @@ std::int8_t FindMate(TChessboard& root, std::vector<TMove>& vecResult)
 {
     TSolveRequest& request = *root.m_pRequest;
     request.m_vecSolutions.clear();
+    PrepareRegister(request);
     // The heuristics are empty: there is nothing to relax.
     root.m_nPass = root.m_nHeuristics == 0 ? PASS_WITHOUT_HEURISTICS : PASS_WITH_HEURISTICS;
     request.m_bPassWithoutHeuristics = root.m_nPass == PASS_WITHOUT_HEURISTICS;

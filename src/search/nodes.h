@@ -19,6 +19,7 @@ constexpr int NODE_MAIN = 0;           ///< the main search
 constexpr int NODE_DEFENCE = 1;        ///< first levels of the search for Black's best defence
 constexpr int NODE_DEFENCE_DEEPER = 2; ///< its deeper levels
 
+/// bProbeRegister: the caller hasn't asked the register for the position yet.
 template <int nKind>
 TSearchResult SearchWhite(TChessboard& board, bool bProbeRegister = true);
 

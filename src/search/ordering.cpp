@@ -1,9 +1,9 @@
 #include "search/ordering.h"
 
-#include "chess/sides.h"
-#include "search/threadcontext.h"
+#include "search/registeraccess.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace corvina
 {
@@ -89,42 +89,57 @@ TScore ScoreBlack(const TChessboard& board, const TChessboard& child, const TMov
     return nScore;
 }
 
-/// Makes each move on the next slot and sorts those that stand.
-template <EColour C, class TScoring>
-int Sort(TChessboard& board, TMove* pMoves, int nMoves, TScoring score)
+} // namespace
+
+int SortWhiteMovesCheap(TChessboard& board, TMove* pMoves, int nMoves)
 {
     TScoredMove aScored[MAX_MOVES + 1];
     TThreadContext& context = ContextOf(board);
+    const TKiller& killer = context.m_aWhiteKillers[board.m_nMoves];
     int nLegal = 0;
     for (int i = 0; i < nMoves; ++i) {
         TChessboard& child = context.MakeChild(board);
-        const bool bLegal =
-            C == EColour::White ? child.MakeWhiteMove(&pMoves[i]) : child.MakeBlackMove(&pMoves[i]);
-        if (bLegal)
-            aScored[nLegal++] = {score(child, pMoves[i]), pMoves[i]};
+        if (child.MakeWhiteMove(&pMoves[i]))
+            aScored[nLegal++] = {ScoreWhite(board, child, pMoves[i], killer), pMoves[i]};
     }
     WriteSorted(aScored, nLegal, pMoves);
     return nLegal;
 }
 
-} // namespace
-
-int SortWhiteMovesCheap(TChessboard& board, TMove* pMoves, int nMoves)
+int SortBlackMoves(TChessboard& board, TMove* pMoves, int nMoves, bool* pbHasReply)
 {
-    const TKiller killer = ContextOf(board).m_aWhiteKillers[board.m_nMoves];
-    return Sort<EColour::White>(board, pMoves, nMoves,
-                                [&](const TChessboard& child, const TMove& move) {
-                                    return ScoreWhite(board, child, move, killer);
-                                });
+    TScoredMove aScored[MAX_MOVES + 1];
+    TThreadContext& context = ContextOf(board);
+    const TKiller& killer = context.m_aBlackKillers[board.m_nMoves];
+    int nLeft = 0;
+    for (int i = 0; i < nMoves; ++i) {
+        TChessboard& child = context.MakeChild(board);
+        if (!child.MakeBlackMove(&pMoves[i]))
+            continue;
+        *pbHasReply = true;
+        if (UsesRegister(child)) {
+            const auto known = ProbeRegister(child);
+            if (known && *known != RESULT_MATE)
+                return *known == RESULT_NO_MATE ? RESULT_REFUTED : *known;
+            if (known)
+                continue;
+        }
+        aScored[nLeft++] = {ScoreBlack(board, child, pMoves[i], killer), pMoves[i]};
+    }
+    WriteSorted(aScored, nLeft, pMoves);
+    return nLeft;
 }
 
-int SortBlackMoves(TChessboard& board, TMove* pMoves, int nMoves)
+void BringKillerToFront(const TChessboard& board, const TKiller& killer, TMove* pMoves, int nMoves)
 {
-    const TKiller killer = ContextOf(board).m_aBlackKillers[board.m_nMoves];
-    return Sort<EColour::Black>(board, pMoves, nMoves,
-                                [&](const TChessboard& child, const TMove& move) {
-                                    return ScoreBlack(board, child, move, killer);
-                                });
+    if (killer.m_figure == NO_FIGURE || board.m_board[killer.m_move.m_from] != killer.m_figure)
+        return;
+    for (int i = 1; i < nMoves; ++i) {
+        if (IsSameMove(pMoves[i], killer.m_move)) {
+            std::swap(pMoves[0], pMoves[i]);
+            return;
+        }
+    }
 }
 
 } // namespace corvina

@@ -12,6 +12,9 @@ namespace corvina
 namespace
 {
 
+/// Below this depth the replies are tried as generated, the latest refutation first.
+constexpr int MIN_SORTED_DEPTH = 6;
+
 /// A node at Black's move, other than the leaves.
 template <int nKind>
 class TBlackNode
@@ -27,7 +30,15 @@ public:
     {
         TMoveList moves;
         int nMoves = m_board.GenerateBlackMoves(moves.data());
-        nMoves = SortBlackMoves(m_board, moves.data(), nMoves);
+        if (m_nDepth >= MIN_SORTED_DEPTH) {
+            nMoves = SortBlackMoves(m_board, moves.data(), nMoves, &m_bHasReply);
+            m_bProbed = true;
+        }
+        else {
+            BringKillerToFront(m_board, m_context.m_aBlackKillers[m_nDepth], moves.data(), nMoves);
+        }
+        if (nMoves < 0)
+            return ResultOfRefutation(static_cast<TSearchResult>(nMoves));
         m_context.m_anMoveCount[m_nDepth] = static_cast<std::uint8_t>(nMoves);
         if (nKind == NODE_DEFENCE && m_nDepth == m_context.m_nDefenceDepth)
             return WalkAllReplies(moves.data(), nMoves);
@@ -45,7 +56,7 @@ public:
                 nMoves = DropEqualPromotions(moves.data(), i, nMoves);
             }
         }
-        return nMoves > 0 || m_board.m_blackChecker != NO_CHECK ? RESULT_MATE : RESULT_NO_MATE;
+        return m_bHasReply || m_board.m_blackChecker != NO_CHECK ? RESULT_MATE : RESULT_NO_MATE;
     }
 
 private:
@@ -81,15 +92,16 @@ private:
             m_request.OnDefenceFound(move, PrintMove(move, m_board), m_request.m_nProblemNumber);
     }
 
-    /// The list holds legal moves only. A result above 0: White mates all the same.
+    /// A result above 0: White mates all the same, or the move is illegal. A sorted list holds only
+    /// legal moves that the register doesn't know.
     TSearchResult TryReply(TMove& move)
     {
         TChessboard& child = m_context.MakeChild(m_board);
-        if (!child.MakeBlackMove(&move, true))
+        if (!child.MakeBlackMove(&move, m_bProbed))
             return RESULT_MATE;
+        m_bHasReply = true;
         ++m_context.m_nPositions;
-        m_context.m_bSkipEqualPromotions = false;
-        if (UsesRegister(child)) {
+        if (!m_bProbed && UsesRegister(child)) {
             if (const auto known = ProbeRegister(child))
                 return *known;
         }
@@ -97,11 +109,13 @@ private:
             child.m_nPass == 1 ? LookForQuickerMate(child) : LookForQuickerMateInLastPass(child);
         m_context.m_bSkipEqualPromotions = false;
         constexpr int CHILD_KIND = nKind == NODE_MAIN ? NODE_MAIN : NODE_DEFENCE_DEEPER;
-        return bQuick ? RESULT_MATE : SearchWhite<CHILD_KIND>(child);
+        return bQuick ? RESULT_MATE : SearchWhite<CHILD_KIND>(child, false);
     }
 
     TSearchResult ResultOfRefutation(TSearchResult nResult)
     {
+        if (nResult == RESULT_REFUTED)
+            return RESULT_NO_MATE;
         if (nResult > RESULT_REPETITION)
             return nResult;
         if (m_anRepeat[m_nDepth] <= m_nDepth)
@@ -126,6 +140,8 @@ private:
     TThreadContext& m_context;
     const std::uint16_t m_nDepth;
     std::vector<std::uint16_t>& m_anRepeat;
+    bool m_bHasReply = false;
+    bool m_bProbed = false; ///< the list is sorted: the register has been asked for each reply
 };
 
 } // namespace

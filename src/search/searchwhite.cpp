@@ -225,7 +225,7 @@ TSearchResult SearchWhite(TChessboard& board, bool bProbeRegister)
 {
     if (board.m_nMoves == 3 && board.m_nHeuristics == 0 &&
         !(board.m_nPositionFlags & TChessboard::POSITION_GLOBALREGISTER))
-        return IsMateInTwo(board) ? RESULT_MATE : RESULT_NO_MATE;
+        return IsMateInTwo(board, bProbeRegister) ? RESULT_MATE : RESULT_NO_MATE;
     return TWhiteNode<nKind>(board).Search(bProbeRegister);
 }
 

@@ -2,6 +2,7 @@
 
 #include "chess/sides.h"
 #include "search/nodes.h"
+#include "search/ordering.h"
 #include "search/registeraccess.h"
 #include "search/solverequest.h"
 
@@ -122,19 +123,6 @@ private:
     TChessboard& m_board;
     std::uint16_t m_nSaved;
 };
-
-/// Puts the move that decided the last node of this depth at the head of the list.
-void BringKillerToFront(const TChessboard& board, const TKiller& killer, TMove* pMoves, int nMoves)
-{
-    if (killer.m_figure == NO_FIGURE || board.m_board[killer.m_move.m_from] != killer.m_figure)
-        return;
-    for (int i = 1; i < nMoves; ++i) {
-        if (IsSameMove(pMoves[i], killer.m_move)) {
-            std::swap(pMoves[0], pMoves[i]);
-            return;
-        }
-    }
-}
 
 /// Every reply of Black meets with a mate in two.
 bool AllRepliesAllowMateInTwo(TChessboard& board)
@@ -309,11 +297,11 @@ TSearchResult SearchLastReplies(TChessboard& board)
     return TLastReplies(board).Search();
 }
 
-bool IsMateInTwo(TChessboard& board)
+bool IsMateInTwo(TChessboard& board, bool bProbeRegister)
 {
     const TDepthGuard guard(board, 3);
     const bool bRegister = UsesRegister(board);
-    if (bRegister) {
+    if (bRegister && bProbeRegister) {
         if (const auto known = ProbeRegister(board))
             return *known > 0;
     }

@@ -14,8 +14,9 @@ namespace corvina
 /// White has a mating move. m_nMoves doesn't matter; no slot of the stack is written.
 bool IsMateInOne(TChessboard& board);
 
-/// White mates in two moves. m_nMoves is at least 3.
-bool IsMateInTwo(TChessboard& board);
+/// White mates in two moves. m_nMoves is at least 3. bProbeRegister: the caller hasn't asked the
+/// register yet.
+bool IsMateInTwo(TChessboard& board, bool bProbeRegister = true);
 
 /// White mates in three moves. m_nMoves is at least 5.
 bool IsMateInThree(TChessboard& board);

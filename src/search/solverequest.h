@@ -2,6 +2,8 @@
 #define CORVINA_SEARCH_SOLVEREQUEST_H
 
 #include "problems/problem.h"
+#include "registers/aggregatedregister.h"
+#include "registers/registerhost.h"
 #include "search/foundsolutions.h"
 #include "search/stopblock.h"
 #include "search/threadcontext.h"
@@ -34,8 +36,10 @@ constexpr std::uint8_t SEARCH_FIXED = 8;   ///< the mode isn't derived from the 
 
 /// One open problem and its run. The document part is what a file tells; this part is what all
 /// threads of a run share. Lives as long as the problem is open.
-struct TSolveRequest : TProblem, TStopBlock
+struct TSolveRequest : TProblem, TStopBlock, TRegisterHost
 {
+    TSolveRequest() { m_TemporaryRegister.SetHost(this); }
+
     std::uint8_t m_nThreads = 1; ///< asked for by the options or by the engine
     std::uint8_t m_nMultithreadingLevels = 0;
     std::uint8_t m_nEffectiveThreads = 1; ///< root threads that the root board was built for
@@ -61,15 +65,18 @@ struct TSolveRequest : TProblem, TStopBlock
     std::uint32_t m_nRequiredHeuristics = 0;
     bool m_bSafeMode = false;
     std::uint16_t m_nShortestRepetitionDepth = 0;
-    std::chrono::steady_clock::time_point m_tStart;          ///< of the run
-    std::chrono::steady_clock::time_point m_tFirstMoveStart; ///< of the search proper
-    bool m_bPlain = false;                                   ///< by the plain recursion
-    bool m_bCutShort = false;                                ///< a stop left first moves undecided
-    std::uint64_t m_nPositions = 0;                          ///< legal moves made in the last run
+    std::chrono::steady_clock::time_point m_tStart;             ///< of the run
+    std::chrono::steady_clock::time_point m_tFirstMoveStart;    ///< of the search proper
+    TAggregatedTemporaryChessboardRegister m_TemporaryRegister; ///< what the runs have learnt
+    bool m_bUseRegister = true;
+    bool m_bPlain = false;          ///< by the plain recursion
+    bool m_bCutShort = false;       ///< a stop left first moves undecided
+    std::uint64_t m_nPositions = 0; ///< legal moves made in the last run
 
-    bool m_bRegisterConfirm = false;  ///< hits under heuristics count only for the exact setting
+    bool m_bRegisterConfirm = false; ///< hits under heuristics count only for the exact setting
     bool m_bThoroughDefence = false;
-    std::vector<TMove> m_vecDefences; ///< replies that refute, in the order in which they were found
+    std::vector<TMove>
+        m_vecDefences; ///< replies that refute, in the order in which they were found
     std::vector<TDefenceRecord> m_vecDefenceRecords;
 
     /// Called for each reply of the defence task that refutes.
@@ -89,6 +96,9 @@ struct TSolveRequest : TProblem, TStopBlock
     /// Sets the stipulation and all that follows it: a mate in nMoves moves, clamped to 1 to
     /// MAX_MATE.
     void SetMateIn(int nMoves);
+
+    /// A stop of all threads is in force: sweeps of the register end early.
+    bool IsAbandoned() const override { return IsStoppedForAll(); }
 };
 
 /// The options limit the number of solutions, and the run has that many.

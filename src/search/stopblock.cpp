@@ -21,7 +21,7 @@ void TStopBlock::ClearStopState()
     m_nStopThread = m_nSavedStopThread = ALL_THREADS;
 }
 
-bool TStopBlock::IsStopFor(std::uint16_t nThread)
+bool TStopBlock::IsStopFor(std::uint16_t nThread) const
 {
     const std::lock_guard guard(m_bStopLock);
     return m_nStopState == STOP && (m_nStopThread == ALL_THREADS || m_nStopThread == nThread);

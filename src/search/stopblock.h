@@ -18,7 +18,7 @@ struct TStopBlock
     static constexpr std::uint8_t STOP = 3;
     static constexpr std::uint16_t ALL_THREADS = 65535;
 
-    TSpinLock m_bStopLock;
+    mutable TSpinLock m_bStopLock;
     std::atomic<std::uint8_t> m_nStopState{RUN};           ///< readable without the lock as a hint
     std::atomic<std::uint16_t> m_nStopThread{ALL_THREADS}; ///< thread that the state concerns
     std::uint8_t m_nSavedStopState = RUN;                  ///< what to go back to after a command
@@ -32,15 +32,15 @@ struct TStopBlock
     void ClearStopState();
 
     /// Does a stop concern the thread? The fast path is one plain read.
-    bool IsStopped(std::uint16_t nThread)
+    bool IsStopped(std::uint16_t nThread) const
     {
         return m_nStopState.load(std::memory_order_relaxed) == STOP && IsStopFor(nThread);
     }
 
-    bool IsStoppedForAll() { return IsStopped(ALL_THREADS); }
+    bool IsStoppedForAll() const { return IsStopped(ALL_THREADS); }
 
 private:
-    bool IsStopFor(std::uint16_t nThread);
+    bool IsStopFor(std::uint16_t nThread) const;
 };
 
 } // namespace corvina
