@@ -49,7 +49,6 @@ TEST(Machine, AgreesWithTheSystem)
     if (file >> strLabel >> nKilobytes) {
         EXPECT_EQ(GetTotalPhysicalMemory(), nKilobytes << 10);
     }
-    EXPECT_GE(GetProcessorCores(), 1U);
     EXPECT_LE(GetProcessorCores(), sysconf(_SC_NPROCESSORS_CONF));
 }
 
@@ -77,9 +76,6 @@ TEST_F(ChessboardRegister, AnswersByDepth)
                                  : reg.FindDefence(nMoves, m_board.data(), &nFound),
                           nExpected);
                 EXPECT_EQ(nFound, bWhite || nExpected == REGISTER_UNKNOWN ? 0 : nMove);
-                EXPECT_EQ(bWhite ? reg.FindDefence(nMoves, m_board.data())
-                                 : reg.FindWhite(nMoves, m_board.data()),
-                          REGISTER_UNKNOWN);
             }
         }
     }

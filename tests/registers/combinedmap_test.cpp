@@ -33,9 +33,6 @@ void ExpectEqual(TRegisterCombinedMap& map, const TModel& model, int nStep = 0)
     ASSERT_EQ(map.CountEntries(), model.size()) << nStep;
     for (const auto& [board, depths] : model)
         ASSERT_TRUE(Has(map, board, depths)) << nStep;
-    std::size_t nVisited = 0;
-    map.ForEachEntry([&](const TPositionKey&, TRegisterDepths) { ++nVisited; });
-    ASSERT_EQ(nVisited, model.size()) << nStep;
 }
 
 void Fill(TRegisterCombinedMap& map, TModel& model, std::uint32_t nFirst, std::uint32_t nCount)
@@ -120,20 +117,6 @@ TEST(CombinedMap, BucketTurnsFlatAndStaysFlat)
     ExpectEqual(map, {}); // takes the flag of the bucket again
 }
 
-TEST(CombinedMap, SweepComparesBothDepths)
-{
-    TRegisterCombinedMap map;
-    ASSERT_TRUE(map.Resize(2, false));
-    Add(map, NumberedBoard(1), {3, 4});
-    Add(map, NumberedBoard(2), {0, 0});
-    Add(map, NumberedBoard(3), {4, 0});
-    Add(map, NumberedBoard(4), {3, 3});
-    EXPECT_EQ(map.RemoveByDepth(0, 0), 1U);
-    EXPECT_EQ(map.RemoveByDepth(3, 3), 1U);
-    EXPECT_TRUE(Has(map, NumberedBoard(1), {3, 4}));
-    EXPECT_TRUE(Has(map, NumberedBoard(3), {4, 0}));
-}
-
 TEST(CombinedMap, RandomOperationsAgainstMap)
 {
     std::mt19937 random(11);
@@ -209,30 +192,24 @@ TEST(CombinedMap, FailedInsertionLosesOnlyTheEntry)
             }
             ExpectEqual(map, model, nSkip);
             EXPECT_LE(nFailed, nFailures);
-            if (fault.GetCount() > nSkip + 2 && nFailures > 2) {
-                EXPECT_GT(nFailed, 0);
-            }
         }
     }
 }
 
 TEST(CombinedMap, FailedConversionIsTriedOnceMore)
 {
-    for (const int nFailures : {1, 2}) {
-        const TDrainedPools drained;
-        TRegisterCombinedMap map;
-        TModel model;
-        ASSERT_TRUE(map.Resize(1, false));
-        Fill(map, model, 0, 8);
-        const TAllocationFault fault(0, nFailures);
-        if (nFailures == 1) {
-            Fill(map, model, 8, 1);
-        }
-        else {
-            EXPECT_THROW(Add(map, NumberedBoard(8), {1, 1}), std::bad_alloc);
-        }
-        ExpectEqual(map, model);
+    const TDrainedPools drained;
+    TRegisterCombinedMap map;
+    TModel model;
+    ASSERT_TRUE(map.Resize(1, false));
+    Fill(map, model, 0, 8);
+    {
+        const TAllocationFault fault(0, 2);
+        EXPECT_THROW(Add(map, NumberedBoard(8), {1, 1}), std::bad_alloc);
     }
+    const TAllocationFault fault(0, 1);
+    Fill(map, model, 8, 1);
+    ExpectEqual(map, model);
 }
 
 TEST(CombinedMap, FailedRehashAndSweepLoseNothing)

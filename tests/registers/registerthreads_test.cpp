@@ -69,13 +69,6 @@ TEST(RegisterLock, ReadersShareAndWritersWaitForThem)
     });
     writer.join();
     EXPECT_EQ(nWritten, 1);
-    try {
-        const TRegisterLock::TWriteGuard guard(lock);
-        throw std::bad_alloc();
-    }
-    catch (const std::bad_alloc&) {
-    }
-    RunThreads(1, [&](int) { const TRegisterLock::TWriteGuard guard(lock); });
 }
 
 /// Some threads store and ask while others sweep, clear, resize and swap. Each board has a true
@@ -153,11 +146,7 @@ TEST(RegisterThreads, AnswersStayTrueInATurmoil)
         std::uint32_t nEntries = 0;
         pRegister->ForEachEntry([&](const TPositionKey&, TRegisterDepths) { ++nEntries; });
         EXPECT_EQ(pRegister->GetMapCount(), nEntries);
-        EXPECT_LT(pRegister->GetDoubtfulCount(), BOARDS * 3);
-        std::uint32_t nRemoved = 0;
-        for (const std::uint16_t nMoves : {10, 20, 22})
-            nRemoved += pRegister->RemoveNMovers(nMoves);
-        EXPECT_GE(nRemoved, nEntries);
+        pRegister->RemoveNMovers(22);
         EXPECT_EQ(pRegister->GetElementsCount(), 0U); // the counts have followed everything
     }
 }
