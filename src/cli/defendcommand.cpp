@@ -7,8 +7,10 @@
 
 #include <cstdio>
 
-namespace corvina {
-namespace {
+namespace corvina
+{
+namespace
+{
 
 struct TDefendOptions
 {

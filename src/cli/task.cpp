@@ -52,9 +52,8 @@ std::unique_ptr<TWatchdog> StopAfter(TSolveRequest& request, std::optional<doubl
     if (dSeconds)
         timeLimit = std::chrono::duration_cast<TWatchdog::TClock::duration>(
             std::chrono::duration<double>(*dSeconds));
-    return std::make_unique<TWatchdog>(timeLimit, [&request] {
-        request.SetStopState(TStopBlock::STOP, TStopBlock::ALL_THREADS);
-    });
+    return std::make_unique<TWatchdog>(
+        timeLimit, [&request] { request.SetStopState(TStopBlock::STOP, TStopBlock::ALL_THREADS); });
 }
 
 } // namespace corvina

@@ -363,11 +363,17 @@ TAggregatedTemporaryChessboardRegister::GetBucketsForSolve(std::uint16_t nInitia
 
 void TAggregatedTemporaryChessboardRegister::GrowIfCrowded()
 {
-    const std::uint32_t nBuckets = m_nBuckets;
-    if (nBuckets == 0 || nBuckets >= BUCKETS_LONG ||
-        GetElementsCount() / CROWDED_ENTRIES_PER_BUCKET < nBuckets)
+    const auto isCrowded = [this](std::uint32_t nBuckets) {
+        return nBuckets != 0 && nBuckets < BUCKETS_LONG &&
+               GetMapCount() / CROWDED_ENTRIES_PER_BUCKET >= nBuckets;
+    };
+    if (!isCrowded(m_nBuckets))
         return;
-    SetBuckets(nBuckets < BUCKETS_MEDIUM ? BUCKETS_MEDIUM : BUCKETS_LONG, true);
+    const TRegisterLock::TWriteGuard guard(m_lock);
+    // Another thread may have been here while this one waited.
+    const std::uint32_t nBuckets = m_nBuckets;
+    if (isCrowded(nBuckets))
+        SetBuckets(nBuckets < BUCKETS_MEDIUM ? BUCKETS_MEDIUM : BUCKETS_LONG, true);
 }
 
 std::uint32_t TAggregatedTemporaryChessboardRegister::RemoveNMovers(std::uint16_t nMoves)

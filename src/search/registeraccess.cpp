@@ -11,9 +11,6 @@ namespace corvina
 namespace
 {
 
-/// Shorter tasks are solved faster than their positions are looked up.
-constexpr int MIN_TASK_PLIES = 10;
-
 /// Positions with fewer plies left are solved faster than looked up.
 constexpr int MIN_STORED_PLIES = 3;
 
@@ -94,7 +91,8 @@ bool IsConfirmed(TChessboard& board)
 
 bool UsesRegister(const TChessboard& board)
 {
-    return board.m_pRequest->m_bUseRegister && board.m_nInitialMoves >= MIN_TASK_PLIES &&
+    return board.m_pRequest->m_bUseRegister &&
+           board.m_nInitialMoves >= board.m_pRequest->m_nMinRegisterPlies &&
            (board.m_nMoves >= MIN_STORED_PLIES ||
             (ContextOf(board).m_nQuickerMateNesting && ContextOf(board).m_shAdditionalMoves)) &&
            IsRegisterable(board);

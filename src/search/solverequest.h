@@ -69,6 +69,8 @@ struct TSolveRequest : TProblem, TStopBlock, TRegisterHost
     std::chrono::steady_clock::time_point m_tFirstMoveStart;    ///< of the search proper
     TAggregatedTemporaryChessboardRegister m_TemporaryRegister; ///< what the runs have learnt
     bool m_bUseRegister = true;
+    /// Tasks with fewer half-moves are solved faster than their positions are looked up.
+    std::uint16_t m_nMinRegisterPlies = 10;
     bool m_bPlain = false;          ///< by the plain recursion
     bool m_bCutShort = false;       ///< a stop left first moves undecided
     std::uint64_t m_nPositions = 0; ///< legal moves made in the last run

@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cstring>
 
 namespace corvina
@@ -22,6 +23,7 @@ struct TWay
     bool m_bPlain;
     int m_nThreads;
     bool m_bMirrored;
+    bool m_bRegister;
 };
 
 TMove Mirrored(TMove move)
@@ -39,6 +41,8 @@ std::vector<std::string> Solutions(const TChessboard& board, int nMate, const TW
         request.m_pChessboard->MirrorBoard();
     request.SetMateIn(nMate);
     request.m_bPlain = way.m_bPlain;
+    request.m_bUseRegister = way.m_bRegister;
+    request.m_nMinRegisterPlies = 0;
     TRunSettings settings;
     settings.m_nThreads = way.m_nThreads;
     std::vector<TMove> vecMoves = Solve(request, settings).m_vecSolutions;
@@ -55,10 +59,11 @@ bool HasCastlingFigures(const TChessboard& board)
 /// The yardstick is the plain recursion, which the second method of the tests has checked.
 void ExpectTheSameFromEveryWay(const TChessboard& board, int nMate)
 {
-    constexpr TWay PLAIN = {"plain", true, 1, false};
-    constexpr TWay aWays[] = {{"one thread", false, 1, false},
-                              {"four threads", false, 4, false},
-                              {"mirrored", false, 1, true}};
+    constexpr TWay PLAIN = {"plain", true, 1, false, false};
+    constexpr TWay aWays[] = {{"one thread", false, 1, false, true},
+                              {"four threads", false, 4, false, true},
+                              {"no register", false, 1, false, false},
+                              {"mirrored", false, 1, true, true}};
     const auto vecExpected = Solutions(board, nMate, PLAIN);
     for (const TWay& way : aWays) {
         if (way.m_bMirrored && HasCastlingFigures(board))
@@ -96,16 +101,45 @@ TEST(Nodes, AnswersOfTheDataFolderUpToFiveMoves)
         TChessboard board;
         ASSERT_TRUE(ReadFen(board, task.m_strFen));
         for (const int nThreads : {1, 4}) {
-            const TWay way = {"", false, nThreads, false};
+            const TWay way = {"", false, nThreads, false, true};
             EXPECT_EQ(Solutions(board, task.m_nMate, way).size(), task.m_vecKeys.size())
                 << task.m_strFen;
         }
     }
 }
 
+struct TSweptRequest : TSolveRequest
+{
+    std::atomic<int> m_nSweeps{0};
+
+    void BeforeSweep() override { ++m_nSweeps; }
+};
+
+TEST(Nodes, SweepsOfAFullRegisterChangeNoSolution)
+{
+    TSweptRequest request;
+    ASSERT_TRUE(ReadFen(*request.m_pChessboard, "8/p7/3P1p2/5k1p/2NR4/5K2/8/8"));
+    request.SetMateIn(6);
+    const auto solve = [&](int nThreads) {
+        TRunSettings settings;
+        settings.m_nThreads = nThreads;
+        request.m_TemporaryRegister.Clear(TAggregatedTemporaryChessboardRegister::CLEAR_EVERYTHING,
+                                          true);
+        return SortedTexts(Solve(request, settings).m_vecSolutions);
+    };
+    const auto vecExpected = solve(1);
+    EXPECT_EQ(vecExpected.size(), 4u);
+    EXPECT_EQ(request.m_nSweeps, 0);
+    request.m_TemporaryRegister.SetMemoryLimitMB(2);
+    EXPECT_EQ(solve(1), vecExpected);
+    EXPECT_EQ(solve(2), vecExpected);
+    EXPECT_GT(request.m_nSweeps, 1);
+}
+
 TEST(Nodes, ShortMatesAgreeWithThePlainRecursion)
 {
     using TTest = bool (*)(TChessboard&);
+    constexpr TTest MATE_IN_TWO = [](TChessboard& board) { return IsMateInTwo(board); };
     struct TCase
     {
         TTest m_test;
@@ -113,7 +147,7 @@ TEST(Nodes, ShortMatesAgreeWithThePlainRecursion)
         int m_nPositions, m_nMaxFigures;
     };
     const TCase aCases[] = {
-        {IsMateInOne, 1, 20000, 30}, {IsMateInTwo, 3, 4000, 16}, {IsMateInThree, 5, 400, 7}};
+        {IsMateInOne, 1, 20000, 30}, {MATE_IN_TWO, 3, 4000, 16}, {IsMateInThree, 5, 400, 7}};
     std::mt19937 random(5);
     for (const TCase& test : aCases) {
         int nMates = 0;
