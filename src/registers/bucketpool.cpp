@@ -19,7 +19,7 @@ constexpr std::size_t POINTERS_ELSEWHERE = 524288;
 constexpr std::uint64_t LARGE_MACHINE_BYTES = 16106127360;
 
 constexpr auto FILL_DELAY = std::chrono::seconds(2);
-constexpr auto FILL_PAUSE = std::chrono::milliseconds(5);
+constexpr auto FILL_PAUSE = std::chrono::milliseconds(20);
 constexpr int FILL_BURST = 2048; ///< bodies between two pauses
 
 /// Waits; true when the process is ending.

@@ -104,6 +104,7 @@ TEST_F(AggregatedRegister, Coherence)
     Insert(5, true);
     Insert(5, false); // pass 1: the mate wins
     EXPECT_EQ(Find(5), REGISTER_MATE);
+    EXPECT_EQ(Find(4), REGISTER_UNKNOWN);
     EXPECT_EQ(Find(3), REGISTER_NO_MATE);
     Insert(1, true);
     Insert(1, false);
