@@ -53,8 +53,8 @@ bool Compare(const TCase& test)
     const auto perPosition = [](TClock::duration time) {
         return std::chrono::duration<double, std::nano>(time).count() / POSITIONS;
     };
-    std::printf("%-14s %d positions, %d with mate: %.0f ns, plain recursion %.0f ns\n", test.m_pName,
-                POSITIONS, nMates, perPosition(fast), perPosition(plain));
+    std::printf("%-14s %d positions, %d with mate: %.0f ns, plain recursion %.0f ns\n",
+                test.m_pName, POSITIONS, nMates, perPosition(fast), perPosition(plain));
     return true;
 }
 

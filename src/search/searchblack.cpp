@@ -1,4 +1,5 @@
 #include "chess/notation.h"
+#include "search/hooks.h"
 #include "search/nodes.h"
 #include "search/ordering.h"
 #include "search/registeraccess.h"
@@ -101,6 +102,8 @@ private:
             return RESULT_MATE;
         m_bHasReply = true;
         ++m_context.m_nPositions;
+        if (child.m_nPass == 1 && child.m_nHeuristics != 0 && IsBlackMoveDoubtful(child))
+            return RESULT_DOUBTFUL;
         if (!m_bProbed && UsesRegister(child)) {
             if (const auto known = ProbeRegister(child))
                 return *known;

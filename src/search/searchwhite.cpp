@@ -17,9 +17,6 @@ namespace
 /// Below this depth the list is generated figure by figure and not sorted.
 constexpr int MIN_SORTED_DEPTH = 5;
 
-/// Heuristics whose test runs behind each move of White.
-constexpr std::uint32_t TESTED_AFTER_WHITE = 0;
-
 /// A node at White's move.
 template <int nKind>
 class TWhiteNode
@@ -107,8 +104,7 @@ private:
             m_anRepeat[m_nDepth] = nEarlier;
             return RESULT_REPETITION;
         }
-        if (m_board.m_nPass == 1 && (m_board.m_nHeuristics & TESTED_AFTER_WHITE) &&
-            IsWhiteMoveDoubtful(child))
+        if (m_board.m_nPass == 1 && m_board.m_nHeuristics != 0 && IsWhiteMoveDoubtful(child))
             return RESULT_DOUBTFUL;
         return SearchBlack<nKind>(child);
     }
