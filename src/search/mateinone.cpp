@@ -24,6 +24,7 @@ public:
           m_line(TSets::Having(board.m_board, W::LINE_MASK)), m_king(board.BlackKing()),
           m_withoutKing(m_occupied & ~Bit(m_king))
     {
+        FindSliders();
         FindFlights();
         m_bishopChecks = BishopAttacks(m_king, m_occupied);
         m_rookChecks = RookAttacks(m_king, m_occupied);
@@ -36,25 +37,35 @@ public:
     }
 
 private:
-    /// Squares to which the king can go as the board stands, were it Black's move.
-    void FindFlights()
+    /// What White's line figures attack. Black isn't in check, so that no line ends at his king:
+    /// the sets hold with the king on the board and without.
+    void FindSliders()
     {
-        TSquareSet targets =
-            KingZone(m_king) & ~B::Figures(m_board.m_board) & ~KingZone(m_board.WhiteKing());
-        m_flights = 0;
-        while (targets) {
-            const TSquare square = PopLowestSquare(targets);
-            if (!IsGuarded(square))
-                m_flights |= Bit(square);
+        TSquareSet sliders = m_diagonal | m_line;
+        while (sliders) {
+            const TSquare from = PopLowestSquare(sliders);
+            const TFigure kind = m_board.m_board[from] & KIND_MASK;
+            TSquareSet attacks = 0;
+            if (kind & KIND_BISHOP)
+                attacks |= BishopAttacks(from, m_occupied);
+            if (kind & KIND_ROOK)
+                attacks |= RookAttacks(from, m_occupied);
+            m_aSliders[m_nSliders++] = {attacks, from, kind};
         }
     }
 
-    bool IsGuarded(int square) const
+    /// Squares to which the king can go as the board stands, were it Black's move.
+    void FindFlights()
     {
-        return (m_pawns & PawnAttacks(EColour::Black, square)) ||
-               (m_knights & KnightJumps(square)) ||
-               AnyReaches(m_diagonal & g_geometry.m_aBishop[square], square, m_withoutKing) ||
-               AnyReaches(m_line & g_geometry.m_aRook[square], square, m_withoutKing);
+        TSquareSet guarded = KingZone(m_board.WhiteKing());
+        constexpr TSquareSet A_FILE = 0x0101010101010101;
+        guarded |= (m_pawns & ~A_FILE) << 7 | (m_pawns & ~(A_FILE << 7)) << 9;
+        TSquareSet knights = m_knights;
+        while (knights)
+            guarded |= KnightJumps(PopLowestSquare(knights));
+        for (int i = 0; i < m_nSliders; ++i)
+            guarded |= m_aSliders[i].m_attacks;
+        m_flights = KingZone(m_king) & ~B::Figures(m_board.m_board) & ~guarded;
     }
 
     /// White's men that stand alone between the Black king and a White slider.
@@ -121,9 +132,28 @@ private:
         }
     }
 
+    /// The squares that a man of the kind would attack from a square of the empty board: those of
+    /// AttacksFrom and more, for a table look-up.
+    static TSquareSet AttacksOnEmptyBoard(TFigure kind, int to)
+    {
+        TSquareSet attacks = 0;
+        if (kind & KIND_BISHOP)
+            attacks |= g_geometry.m_aBishop[to];
+        if (kind & KIND_ROOK)
+            attacks |= g_geometry.m_aRook[to];
+        if (kind == KIND_KNIGHT)
+            attacks = KnightJumps(to);
+        if (kind == KIND_PAWN)
+            attacks = PawnAttacks(EColour::White, to);
+        return attacks;
+    }
+
     bool MatesUnlessFlight(int from, int to, TFigure kind, TFigure promotion = 0)
     {
-        return !LeavesFlight(from, to, AttacksFrom(kind, to, from)) && Mates(from, to, promotion);
+        if (m_flights && (LeavesFlight(from, to, AttacksOnEmptyBoard(kind, to)) ||
+                          LeavesFlight(from, to, AttacksFrom(kind, to, from))))
+            return false;
+        return Mates(from, to, promotion);
     }
 
     bool AnyMates(int from, TSquareSet targets, TFigure kind)
@@ -149,20 +179,14 @@ private:
 
     bool LineMates()
     {
-        TSquareSet sliders = m_diagonal | m_line;
-        while (sliders) {
-            const TSquare from = PopLowestSquare(sliders);
-            const TFigure kind = m_board.m_board[from] & KIND_MASK;
-            TSquareSet reach = 0, checks = 0;
-            if (kind & KIND_BISHOP) {
-                reach |= BishopAttacks(from, m_occupied);
+        for (int i = 0; i < m_nSliders; ++i) {
+            const TSlider& slider = m_aSliders[i];
+            TSquareSet checks = 0;
+            if (slider.m_kind & KIND_BISHOP)
                 checks |= m_bishopChecks;
-            }
-            if (kind & KIND_ROOK) {
-                reach |= RookAttacks(from, m_occupied);
+            if (slider.m_kind & KIND_ROOK)
                 checks |= m_rookChecks;
-            }
-            if (AnyMates(from, reach & checks & ~m_white, kind))
+            if (AnyMates(slider.m_from, slider.m_attacks & checks & ~m_white, slider.m_kind))
                 return true;
         }
         return false;
@@ -278,11 +302,20 @@ private:
         return false;
     }
 
+    struct TSlider
+    {
+        TSquareSet m_attacks;
+        TSquare m_from;
+        TFigure m_kind;
+    };
+
     TChessboard& m_board;
     TSquareSet m_occupied, m_white, m_pawns, m_knights, m_diagonal, m_line;
     int m_king;
     TSquareSet m_withoutKing; ///< occupied squares, the Black king's left out
-    TSquareSet m_flights;
+    TSquareSet m_flights;     ///< squares to which the Black king could go
+    TSlider m_aSliders[64];
+    int m_nSliders = 0;
     TSquareSet m_discoverers;
     TSquareSet m_bishopChecks, m_rookChecks; ///< squares from which a bishop, a rook gives check
 };
