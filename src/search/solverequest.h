@@ -47,7 +47,7 @@ struct TSolveRequest : TProblem, TStopBlock, TRegisterHost
     bool m_bMirroredRun = false;
     std::uint8_t m_nForcedSearchMode = 0; ///< of the command at hand; 0: from the options
     std::uint8_t m_nForcedThreads = 0;
-    bool m_bSolutionFound = false;
+    std::atomic<bool> m_bSolutionFound{false};
     std::vector<TMove> m_vecSolutions;             ///< result of the last run
     TFoundSolutions* m_pFoundSolutions = nullptr;  ///< of this run, may be null
     std::int16_t m_shLookForQuickerMateDepth = -1; ///< half-moves; -1: automatic
@@ -57,8 +57,8 @@ struct TSolveRequest : TProblem, TStopBlock, TRegisterHost
     std::uint8_t m_nHybridBruteForcePhase = 0;
     bool m_bBruteForce = false;
     bool m_bBruteForceOverrides = false;
-    bool m_bLastMoveStarted = false;
-    bool m_bPassWithoutHeuristics = false;
+    std::atomic<bool> m_bLastMoveStarted{false};
+    std::atomic<bool> m_bPassWithoutHeuristics{false};
     bool m_bThreadsForced = false;
     std::uint8_t m_nSearchMode = 0; ///< SEARCH_...
     std::int32_t m_nThreadPriority = 0;
