@@ -26,9 +26,7 @@ std::size_t SolutionLimit(std::uint32_t nRunOptions)
 
 void TSolveRequest::SetMateIn(int nMoves)
 {
-    m_nRequestedMoves = HalfMovesOfMate(std::clamp(nMoves, 1, MAX_MATE));
-    m_nShortestRepetitionDepth = m_nRequestedMoves;
-    m_pChessboard->m_nMoves = m_pChessboard->m_nInitialMoves = m_nRequestedMoves;
+    SetStipulation(PROBLEM_DIRECTMATE, HalfMovesOfMate(std::clamp(nMoves, 1, MAX_MATE)));
 }
 
 bool HasEnoughSolutions(const TSolveRequest& request)

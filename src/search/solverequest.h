@@ -64,7 +64,6 @@ struct TSolveRequest : TProblem, TStopBlock, TRegisterHost
     std::int32_t m_nThreadPriority = 0;
     std::uint32_t m_nRequiredHeuristics = 0;
     bool m_bSafeMode = false;
-    std::uint16_t m_nShortestRepetitionDepth = 0;
     std::chrono::steady_clock::time_point m_tStart;             ///< of the run
     std::chrono::steady_clock::time_point m_tFirstMoveStart;    ///< of the search proper
     TAggregatedTemporaryChessboardRegister m_TemporaryRegister; ///< what the runs have learnt
