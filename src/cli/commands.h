@@ -22,6 +22,9 @@ void AddDefendCommand(CLI::App& app, int& nExitCode);
 void AddPerftCommand(CLI::App& app, int& nExitCode);
 void AddIdCommand(CLI::App& app, int& nExitCode);
 void AddBenchCommand(CLI::App& app, int& nExitCode);
+void AddCheckCommand(CLI::App& app, int& nExitCode);
+void AddConvertCommand(CLI::App& app, int& nExitCode);
+void AddMergeCommands(CLI::App& app, int& nExitCode);
 
 } // namespace corvina
 

@@ -31,6 +31,9 @@ int main(int argc, char** argv)
     corvina::AddPerftCommand(app, nExitCode);
     corvina::AddIdCommand(app, nExitCode);
     corvina::AddBenchCommand(app, nExitCode);
+    corvina::AddCheckCommand(app, nExitCode);
+    corvina::AddConvertCommand(app, nExitCode);
+    corvina::AddMergeCommands(app, nExitCode);
     for (CLI::App* pCommand : app.get_subcommands({}))
         pCommand->set_version_flag("--version", "corvina-cli " CORVINA_VERSION);
     try {

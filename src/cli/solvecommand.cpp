@@ -1,51 +1,33 @@
-#include "chess/fen.h"
-#include "chess/notation.h"
 #include "cli/commands.h"
+#include "cli/fileoptions.h"
+#include "cli/solvecollection.h"
+#include "cli/solving.h"
 #include "cli/task.h"
-#include "search/solve.h"
+#include "platform/watchdog.h"
+#include "problems/lexer.h"
 
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
-#include <algorithm>
 #include <cstdio>
 #include <fstream>
 #include <iostream>
-#include <optional>
 
 namespace corvina
 {
 namespace
 {
 
-struct TSolveOptions
+struct TSolveArguments
 {
     std::string m_strFile;
     std::string m_strFen;
     int m_nMate = 0;
-    bool m_bFirst = false;
+    std::vector<std::int32_t> m_vecProblems;
     bool m_bAll = false;
-    std::optional<double> m_dSeconds;
-    bool m_bJson = false;
-    bool m_bPlain = false;
-    bool m_bNoRegister = false;
-    int m_nThreads = 1;
+    TSolveOptions m_options;
+    TProblemFileSettings m_fileSettings;
 };
-
-std::vector<std::string> SolutionTexts(const TSolveRequest& request, const TSolveOutcome& outcome)
-{
-    std::vector<std::string> vecTexts;
-    for (const TMove& move : outcome.m_vecSolutions)
-        vecTexts.push_back(PrintMove(move, *request.m_pChessboard));
-    return vecTexts;
-}
-
-const char* ResultWord(const TSolveOutcome& outcome)
-{
-    if (outcome.m_bStopped)
-        return "stopped";
-    return outcome.m_nResult == 1 ? "solved" : "none";
-}
 
 void PrintJson(const TTask& task, const TSolveRequest& request, const TSolveOutcome& outcome)
 {
@@ -53,7 +35,7 @@ void PrintJson(const TTask& task, const TSolveRequest& request, const TSolveOutc
     line["fen"] = task.m_strFen;
     line["mate"] = task.m_nMate;
     line["result"] = ResultWord(outcome);
-    line["solutions"] = SolutionTexts(request, outcome);
+    line["solutions"] = MoveTexts(request, outcome.m_vecSolutions);
     line["seconds"] = outcome.m_elapsed.count();
     line["positions"] = request.m_nPositions;
     std::printf("%s\n", line.dump().c_str());
@@ -62,16 +44,7 @@ void PrintJson(const TTask& task, const TSolveRequest& request, const TSolveOutc
 void PrintText(const TTask& task, const TSolveRequest& request, const TSolveOutcome& outcome)
 {
     std::printf("%s  #%d\n", task.m_strFen.c_str(), task.m_nMate);
-    for (const std::string& strMove : SolutionTexts(request, outcome))
-        std::printf("  1.%s\n", strMove.c_str());
-    const std::size_t nSolutions = outcome.m_vecSolutions.size();
-    if (outcome.m_bStopped)
-        std::printf("  stopped, %zu found so far", nSolutions);
-    else if (nSolutions == 0)
-        std::printf("  no solution");
-    else
-        std::printf("  %zu solution%s%s", nSolutions, nSolutions == 1 ? "" : "s",
-                    request.m_nSearchMode & SEARCH_FIRST ? " (the first)" : "");
+    PrintSolutions(request, outcome);
     std::printf(", %.3f s, %llu positions\n", outcome.m_elapsed.count(),
                 static_cast<unsigned long long>(request.m_nPositions));
 }
@@ -82,16 +55,7 @@ int SolveTask(const TTask& task, const TSolveOptions& options)
     TSolveRequest request;
     *request.m_pChessboard = BoardOfFen(task.m_strFen);
     request.SetMateIn(task.m_nMate);
-    // The note must not mix with a result that a program reads.
-    request.m_pChessboard->CheckFigureLimits(nullptr, options.m_bJson ? stderr : stdout);
-    TRunSettings settings;
-    settings.m_bStopAtFirstSolution = options.m_bFirst;
-    settings.m_nThreads = options.m_nThreads;
-    request.m_bPlain = options.m_bPlain;
-    request.m_bUseRegister = !options.m_bNoRegister;
-
-    const auto pWatchdog = StopAfter(request, options.m_dSeconds);
-    const TSolveOutcome outcome = Solve(request, settings);
+    const TSolveOutcome outcome = SolveWithOptions(request, options);
     (options.m_bJson ? PrintJson : PrintText)(task, request, outcome);
     std::fflush(stdout);
     if (outcome.m_bStopped)
@@ -128,51 +92,66 @@ int SolveLines(std::istream& input, const std::string& strName, const TSolveOpti
     return nExitCode;
 }
 
-int RunSolve(const TSolveOptions& options)
+bool IsCollection(const std::string& strFile)
 {
-    if (options.m_strFile.empty() == options.m_strFen.empty())
+    const std::string strUpper = UpperCased(strFile);
+    return strUpper.ends_with(".CP") || strUpper.ends_with(".CPX");
+}
+
+int RunSolve(const TSolveArguments& arguments)
+{
+    if (arguments.m_strFile.empty() == arguments.m_strFen.empty())
         throw ChessException("Give either a file or --fen.");
-    if (!options.m_strFile.empty()) {
-        std::ifstream input(options.m_strFile);
+    if (IsCollection(arguments.m_strFile))
+        return SolveCollection(arguments.m_strFile, arguments.m_vecProblems, arguments.m_options,
+                               arguments.m_fileSettings);
+    if (!arguments.m_vecProblems.empty())
+        throw ChessException("--problem needs a problem file.");
+    if (!arguments.m_strFile.empty()) {
+        std::ifstream input(arguments.m_strFile);
         if (!input)
-            throw ChessException("Cannot read " + options.m_strFile);
-        return SolveLines(input, options.m_strFile, options);
+            throw ChessException("Cannot read " + arguments.m_strFile);
+        return SolveLines(input, arguments.m_strFile, arguments.m_options);
     }
-    if (options.m_strFen == "-")
-        return SolveLines(std::cin, "standard input", options);
-    if (options.m_nMate == 0)
+    if (arguments.m_strFen == "-")
+        return SolveLines(std::cin, "standard input", arguments.m_options);
+    if (arguments.m_nMate == 0)
         throw ChessException("--fen needs --mate.");
-    return SolveTask({options.m_strFen, options.m_nMate}, options);
+    return SolveTask({arguments.m_strFen, arguments.m_nMate}, arguments.m_options);
 }
 
 } // namespace
 
 void AddSolveCommand(CLI::App& app, int& nExitCode)
 {
-    auto pOptions = std::make_shared<TSolveOptions>();
+    auto pArguments = std::make_shared<TSolveArguments>();
+    TSolveOptions& options = pArguments->m_options;
     CLI::App* pCommand =
         app.add_subcommand("solve", "Find the first moves of White that force mate in n moves.");
-    pCommand->add_option("file", pOptions->m_strFile,
-                         "a file of positions, one a line: \"FEN;N\"; # begins a comment line");
-    pCommand->add_option("--fen", pOptions->m_strFen,
+    pCommand->add_option("file", pArguments->m_strFile,
+                         "a problem file (.cp), or a file of positions, one a line: \"FEN;N\"; # "
+                         "begins a comment line");
+    pCommand->add_option("--problem", pArguments->m_vecProblems,
+                         "solve only the problems of these numbers");
+    pCommand->add_option("--fen", pArguments->m_strFen,
                          "the position; - reads lines \"FEN;N\" from standard input");
-    pCommand->add_option("--mate", pOptions->m_nMate, "number of moves, n of \"#n\"")
+    pCommand->add_option("--mate", pArguments->m_nMate, "number of moves, n of \"#n\"")
         ->check(CLI::Range(1, MAX_MATE));
     CLI::Option* pFirst =
-        pCommand->add_flag("--first", pOptions->m_bFirst, "stop at the first solution");
-    pCommand->add_flag("--all", pOptions->m_bAll, "find all solutions (the default)")
+        pCommand->add_flag("--first", options.m_bFirst, "stop at the first solution");
+    pCommand->add_flag("--all", pArguments->m_bAll, "find all solutions (the default)")
         ->excludes(pFirst);
-    pCommand->add_option("--time", pOptions->m_dSeconds, "give up after so many seconds a position")
+    pCommand->add_option("--time", options.m_dSeconds, "give up after so many seconds a position")
         ->check(CLI::Range(0.0, 1e9));
-    pCommand->add_flag("--json", pOptions->m_bJson, "print one JSON object a position");
-    pCommand
-        ->add_option("--threads", pOptions->m_nThreads, "threads that share the first moves (1)")
+    pCommand->add_flag("--json", options.m_bJson, "print one JSON object a position");
+    pCommand->add_option("--threads", options.m_nThreads, "threads that share the first moves (1)")
         ->check(CLI::Range(1, 64));
-    pCommand->add_flag("--no-register", pOptions->m_bNoRegister,
+    pCommand->add_flag("--no-register", options.m_bNoRegister,
                        "search without memory of positions, for comparison");
-    pCommand->add_flag("--plain", pOptions->m_bPlain,
+    pCommand->add_flag("--plain", options.m_bPlain,
                        "search by the plain recursion, for comparison");
-    pCommand->callback([pOptions, &nExitCode] { nExitCode = RunSolve(*pOptions); });
+    AddFileOptions(*pCommand, pArguments->m_fileSettings);
+    pCommand->callback([pArguments, &nExitCode] { nExitCode = RunSolve(*pArguments); });
 }
 
 } // namespace corvina

@@ -3,6 +3,7 @@
 #include "platform/encoding.h"
 
 #include <algorithm>
+#include <limits>
 
 namespace corvina
 {
@@ -28,7 +29,15 @@ const TProblem* TProblemCollection::Find(std::int32_t nNumber) const
 
 std::int32_t TProblemCollection::NextNumber() const
 {
-    return m_mapProblems.empty() ? 1 : m_mapProblems.rbegin()->first + 1;
+    if (m_mapProblems.empty())
+        return 1;
+    const std::int32_t nHighest = m_mapProblems.rbegin()->first;
+    if (nHighest < std::numeric_limits<std::int32_t>::max())
+        return nHighest + 1;
+    std::int32_t nFree = 1;
+    while (m_mapProblems.contains(nFree))
+        ++nFree;
+    return nFree;
 }
 
 void TProblemCollection::RebuildAllTags()

@@ -40,7 +40,8 @@ public:
     /// Null when there is none of the number.
     const TProblem* Find(std::int32_t nNumber) const;
 
-    /// One above the highest number; 1 for the first problem.
+    /// One above the highest number, 1 for the first problem. Where that is beyond the range, the
+    /// lowest number that is free.
     std::int32_t NextNumber() const;
 
     /// Makes m_setAllTags anew from the tags of the problems.
