@@ -94,16 +94,29 @@ std::string VariantLines(const TProblem& problem, bool bWithComments)
     return strLines + "//!ENDVARIANTS\n";
 }
 
+/// A move of the answer. It need not be one that the position allows, and a king that only looks
+/// like castling must not become it.
+std::string AnswerMoveText(const TMove& move, const TChessboard& board)
+{
+    using K = TCastling<EColour::White>;
+    const TFigure figure = board.m_board[move.m_from];
+    const bool bCapture = board.m_board[move.m_to] != NO_FIGURE;
+    const bool bCastling = move.m_from == K::KING && !move.PromotionKind() &&
+                           (move.m_to == K::SHORT_TO || move.m_to == K::LONG_TO);
+    if ((figure & KIND_MASK) == KIND_KING && !bCastling)
+        return (move.PromotionKind() ? "" : "K") + FormatMove(move, NO_FIGURE, bCapture);
+    return FormatMove(move, figure, bCapture);
+}
+
 std::string AnswerLine(const TProblem& problem)
 {
     if (!(problem.m_nRunOptions & RUN_ANSWERKNOWN))
         return {};
-    const std::uint8_t* pBoard = problem.m_pChessboard->m_board;
     std::string strLine = "\tAnswer: ";
     const char* pComma = "";
     for (const TMove& move : problem.m_vecExpectedSolutions) {
         strLine += pComma;
-        strLine += " " + FormatMove(move, pBoard[move.m_from], pBoard[move.m_to] != NO_FIGURE);
+        strLine += " " + AnswerMoveText(move, *problem.m_pChessboard);
         pComma = ",";
     }
     return strLine + "\n";
