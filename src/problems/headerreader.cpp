@@ -172,7 +172,7 @@ void MarkVariantError(TLexer& lexer, const TTextForm& form, std::string_view str
 void ReadVariant(TProblem& problem, TLexer& lexer, const TTextForm& form, std::string_view strLine)
 {
     strLine.remove_prefix(VARIANT_PREFIX.size());
-    const std::wstring strWide = form.m_converter.ToWide(strLine);
+    const std::wstring strWide = OneLine(form.m_converter.ToWide(strLine));
     std::size_t nErrorAt = 0;
     try {
         TVariant variant = ParseVariantLine(strWide, form.m_language, &nErrorAt);
@@ -217,7 +217,7 @@ bool ReadSpecialLine(TProblem& problem, TLexer& lexer, const TTextForm& form,
 {
     if (strLine.starts_with(TAG_PREFIX)) {
         if (TrimBlanks(strLine) != TAGS_LINE)
-            problem.m_setTags.insert(form.m_converter.ToWide(strLine.substr(TAG_PREFIX.size())));
+            problem.AddTag(form.m_converter.ToWide(strLine.substr(TAG_PREFIX.size())));
         return true;
     }
     if (TrimBlanks(strLine) == VARIANTS_LINE)

@@ -9,14 +9,6 @@ namespace corvina
 namespace
 {
 
-/// A file has one line for a text.
-std::wstring OneLine(std::wstring strText)
-{
-    std::replace_if(
-        strText.begin(), strText.end(), [](wchar_t c) { return c == L'\n' || c == L'\r'; }, L' ');
-    return strText;
-}
-
 std::wstring Trimmed(const std::wstring& strText)
 {
     const auto first = strText.find_first_not_of(L" \t");
@@ -26,6 +18,13 @@ std::wstring Trimmed(const std::wstring& strText)
 }
 
 } // namespace
+
+std::wstring OneLine(std::wstring strText)
+{
+    std::replace_if(
+        strText.begin(), strText.end(), [](wchar_t c) { return c == L'\n' || c == L'\r'; }, L' ');
+    return strText;
+}
 
 void TProblem::SetStipulation(std::uint8_t nType, std::uint16_t nHalfMoves)
 {

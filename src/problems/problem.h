@@ -67,6 +67,9 @@ constexpr std::uint16_t HalfMovesOfSelfMate(int nMoves)
     return static_cast<std::uint16_t>(2 * nMoves + 1);
 }
 
+/// A file has one line for a text: line ends become blanks.
+std::wstring OneLine(std::wstring strText);
+
 /// A problem as a document: what a file says of it. It owns its records, which stay where they are
 /// when it is moved.
 struct TProblem

@@ -16,8 +16,7 @@ namespace
 /// stands in.
 std::wstring Contained(std::wstring strText, wchar_t closing = L'\n')
 {
-    std::replace_if(
-        strText.begin(), strText.end(), [](wchar_t c) { return c == L'\n' || c == L'\r'; }, L' ');
+    strText = OneLine(std::move(strText));
     std::replace(strText.begin(), strText.end(), closing, L')');
     return strText;
 }
