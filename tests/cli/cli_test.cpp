@@ -1,3 +1,5 @@
+#include "support/temporaryfolder.h"
+
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 #include <sys/wait.h>
@@ -125,6 +127,73 @@ TEST(Cli, SamplesSolveAndIdRoundTrips)
               std::string::npos);
     EXPECT_NE(id.m_strOutput.find("may castle"), std::string::npos);
     EXPECT_NE(id.m_strOutput.find("en passant"), std::string::npos);
+}
+
+/// Each sample is solved as its answer says.
+TEST(Cli, SampleProblems)
+{
+    const TRun run = RunCli("solve " CORVINA_SAMPLES "/sample_problems.cp --json");
+    EXPECT_EQ(run.m_nExitCode, 0);
+    std::istringstream lines(run.m_strOutput);
+    int nCompared = 0, nSkipped = 0;
+    for (std::string strLine; std::getline(lines, strLine);) {
+        const nlohmann::json line = nlohmann::json::parse(strLine);
+        EXPECT_TRUE(line.value("asAnswer", true)) << strLine;
+        nCompared += line.contains("asAnswer");
+        nSkipped += line["result"] == "skipped";
+    }
+    EXPECT_GE(nCompared, 40);
+    EXPECT_EQ(nSkipped, 3);
+}
+
+TEST(Cli, ProblemFiles)
+{
+    const corvina::TTemporaryFolder folder;
+    const auto run = [&](const std::string& strArguments) {
+        const TRun result = RunCli(strArguments);
+        return std::to_string(result.m_nExitCode) + ": " + result.m_strOutput;
+    };
+    const std::string a = folder.File("a.cp"), b = folder.File("b.cp");
+    const std::string strDual = " { FEN: 8/8/8/8/8/k1K5/8/1Q6 A: Qb1-b2";
+    corvina::PutBytes(
+        a, "1 #2 { FEN: 7k/8/5K2/8/8/8/8/6R1 Answer: Kf6-f7 }\n"
+           "2 #2 { FEN: 7k/8/5K2/8/8/8/8/6R1 Answer: Rg1-g2 }\n"
+           "3 " +
+               strDual + "}\n4 " + strDual +
+               ",Qb1-b3}\n"
+               "5 #301 { FEN: 7k/8/5K2/8/8/8/8/6R1 }\n6 s#2 { FEN: 7k/8/5K2/8/8/8/8/6R1 }\n"
+               "7 #9 { FEN: rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR A: }\n"
+               "8 #2 {\n FEN: x }");
+    const std::pair<std::string, std::vector<std::string>> aCases[] = {
+        {"solve --time 0.1 " + a,
+         {"2: ", a + ":9:7: Error parsing problem 8: Improper FEN code\n",
+          "1. 7k/8/5K2/8/8/8/8/6R1  #2", "  1 solution, as in the answer, ",
+          "  1 solution, but the answer is Rg1-g2, ", "  2 solutions, but the answer is Qb1-b2, ",
+          "  2 solutions, as in the answer, ", "skipped: The longest stipulation is #300.",
+          "skipped: Only mate problems (type=1) supported currently.", "stopped, 0 found so far, ",
+          "2 as in the answer, 2 not, 1 without comparison, 2 skipped\n"}},
+        {"solve --first " + a + " --problem 3 4",
+         {"2: ", "1 solution (the first), as in the answer", "2 solutions, but the answer is"}},
+        {"solve " + a + " --problem 99", {"2: ", " has no problem 99."}},
+        {"solve --fen 7k/8/5K2/8/8/8/8/6R1 --mate 2 --problem 1", {"2: ", "needs a problem file"}},
+        {"check " + a,
+         {"2: ", "\n7 problems read\n", "7. rnbqkbnr", "an answer without a solution"}},
+        {"convert " + a + " " + b, {"2: ", "Improper FEN code"}},
+        {"convert " CORVINA_SAMPLES "/sample_problems.cp " + b, {"0: "}},
+        {"merge " + b + " " + b, {"0: Appended problems: 0\n"}},
+        {"subtract --dry-run " + b + " " + b, {"0: Removed problems: ", "reject them) No\n"}},
+        {"check --code-page nonsense " + a, {"2: Unknown text encoding: nonsense\n"}},
+        {"check " + folder.File("none.cp"), {"2: Error opening file: "}},
+    };
+    for (const auto& [strArguments, vecParts] : aCases) {
+        const std::string strOutput = run(strArguments);
+        for (const std::string& strPart : vecParts)
+            EXPECT_NE(strOutput.find(strPart), std::string::npos) << strPart << "\n" << strOutput;
+    }
+    EXPECT_FALSE(std::filesystem::exists(b + ".BAK")) << "nothing was to be saved";
+    // The written form of the samples is solved as the samples are.
+    const std::string strSolved = run("solve " + b);
+    EXPECT_NE(strSolved.find("48 as in the answer, 0 not, 1 without"), std::string::npos);
 }
 
 } // namespace
