@@ -5,7 +5,6 @@
 
 #include <array>
 #include <cstring>
-#include <functional>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -20,16 +19,6 @@ class TProblemCollection
 {
 public:
     using TMap = std::map<std::int32_t, std::unique_ptr<TProblem>>;
-    using TMaker = std::function<std::unique_ptr<TProblem>()>;
-
-    /// The maker gives the objects that a reader fills: those that the engine works on, where
-    /// problems are to be solved.
-    explicit TProblemCollection(TMaker makeProblem = std::make_unique<TProblem>)
-        : m_makeProblem(std::move(makeProblem))
-    {
-    }
-
-    std::unique_ptr<TProblem> MakeProblem() const { return m_makeProblem(); }
 
     /// Puts a problem under its number, in the place of another one; true when there was another.
     bool Put(std::unique_ptr<TProblem> pProblem);
@@ -50,9 +39,6 @@ public:
     TMap m_mapProblems;
     std::set<std::wstring> m_setAllTags;
     std::mutex m_lock; ///< held by the readers while they put problems in
-
-private:
-    TMaker m_makeProblem;
 };
 
 /// Looks for the first other problem with the figures of problem nNumber on the same squares.

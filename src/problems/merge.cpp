@@ -158,7 +158,7 @@ bool AppendProblemsFromFile(TProblemDocument& document, const std::string& strPa
 {
     if (!PrepareMerge(document, host, settings))
         return false;
-    TProblemCollection source([&] { return document.m_collection.MakeProblem(); });
+    TProblemCollection source;
     LoadProblemFile(strPath, source, false, settings);
     const TAppendReport report = AppendProblems(document.m_collection, source);
     try {

@@ -157,7 +157,7 @@ void ReadProblems(std::string_view strText, TProblemCollection& collection,
             if (lexer.GetLexem(TLexer::EAtEnd::Allow).empty())
                 return;
             lexer.SetPos(nPos);
-            pProblem = collection.MakeProblem();
+            pProblem = std::make_unique<TProblem>();
             pProblem->m_nProblemNumber = NO_NUMBER;
             ReadProblem(*pProblem, lexer, form, defaults);
             PutProblem(std::move(pProblem), collection, settings);

@@ -154,13 +154,13 @@ TEST(Cli, ProblemFiles)
         return std::to_string(result.m_nExitCode) + ": " + result.m_strOutput;
     };
     const std::string a = folder.File("a.cp"), b = folder.File("b.cp");
-    const std::string strDual = " { FEN: 8/8/8/8/8/k1K5/8/1Q6 A: Qb1-b2";
+    const std::string strDual = " { FEN: 5R2/4K3/8/8/5R2/8/8/6k1 A: Rf4-g4";
     corvina::PutBytes(
         a, "1 #2 { FEN: 7k/8/5K2/8/8/8/8/6R1 Answer: Kf6-f7 }\n"
            "2 #2 { FEN: 7k/8/5K2/8/8/8/8/6R1 Answer: Rg1-g2 }\n"
-           "3 " +
-               strDual + "}\n4 " + strDual +
-               ",Qb1-b3}\n"
+           "3 #2 AllSolutions" +
+               strDual + "}\n4 #2" + strDual +
+               ",Rf8-g8}\n"
                "5 #301 { FEN: 7k/8/5K2/8/8/8/8/6R1 }\n6 s#2 { FEN: 7k/8/5K2/8/8/8/8/6R1 }\n"
                "7 #9 { FEN: rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR A: }\n"
                "8 #2 {\n FEN: x }");
@@ -168,7 +168,7 @@ TEST(Cli, ProblemFiles)
         {"solve --time 0.1 " + a,
          {"2: ", a + ":9:7: Error parsing problem 8: Improper FEN code\n",
           "1. 7k/8/5K2/8/8/8/8/6R1  #2", "  1 solution, as in the answer, ",
-          "  1 solution, but the answer is Rg1-g2, ", "  2 solutions, but the answer is Qb1-b2, ",
+          "  1 solution, but the answer is Rg1-g2, ", "  2 solutions, but the answer is Rf4-g4, ",
           "  2 solutions, as in the answer, ", "skipped: The longest stipulation is #300.",
           "skipped: Only mate problems (type=1) supported currently.", "stopped, 0 found so far, ",
           "2 as in the answer, 2 not, 1 without comparison, 2 skipped\n"}},

@@ -44,7 +44,7 @@ TEST(RoundTrip, GeneratedCollections)
 TEST(RoundTrip, TextsThatWouldEndEarly)
 {
     TProblemCollection made, read;
-    auto pProblem = made.MakeProblem();
+    auto pProblem = std::make_unique<TProblem>();
     pProblem->m_nProblemNumber = 1;
     std::mt19937 random(1);
     *pProblem->m_pChessboard = *RandomProblem(random, 1)->m_pChessboard;
