@@ -1,4 +1,3 @@
-#include "problems/heuristicnames.h"
 #include "problems/problemfile.h"
 #include "problems/problemwriter.h"
 #include "support/positions.h"
@@ -156,21 +155,6 @@ TEST(ProblemFile, Faults)
         }
         EXPECT_EQ(collection.m_mapProblems.size(), bDefaults ? 0u : 1u) << c.m_strText;
     }
-}
-
-TEST(ProblemFile, HeuristicNames)
-{
-    int nNames = 0;
-    for (int i = 0; i < 32; ++i) {
-        const std::uint32_t nBit = std::uint32_t{1} << i;
-        if (!HeuristicName(nBit))
-            continue;
-        ++nNames;
-        EXPECT_EQ(HeuristicFromName(HeuristicName(nBit)), nBit);
-    }
-    EXPECT_EQ(nNames, 29);
-    EXPECT_EQ(HeuristicName(3), nullptr);
-    EXPECT_EQ(HeuristicFromName("SH_"), 0u);
 }
 
 /// An entry with texts of letters in a code page.

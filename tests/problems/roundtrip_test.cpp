@@ -22,7 +22,8 @@ TEST(RoundTrip, GeneratedCollections)
         for (int i = 0; i < 25; ++i) {
             auto pProblem = RandomProblem(random, static_cast<std::int32_t>(random() >> 1));
             strTyped += TypedByHand(*pProblem, random);
-            made.Put(std::move(pProblem));
+            // A problem that is moved keeps its records.
+            made.Put(std::make_unique<TProblem>(std::move(*pProblem)));
         }
         TProblemCollection typed, written;
         ASSERT_NO_THROW(ReadProblems(strTyped, typed, g_quiet)) << strTyped;
@@ -61,19 +62,6 @@ TEST(RoundTrip, TextsThatWouldEndEarly)
     EXPECT_EQ(problem.m_strDescription, L"a } 2 #3 {");
     EXPECT_EQ(*problem.m_setTags.begin(), L"b  c");
     EXPECT_EQ(problem.m_mapVariants.at(L"g) h").m_vecMoves.at(0).m_strComment, L"d) e f");
-}
-
-TEST(RoundTrip, MovedProblemKeepsItsLine)
-{
-    std::mt19937 random(5);
-    for (int i = 0; i < 50; ++i) {
-        const auto pProblem = RandomProblem(random, i);
-        const std::string strBefore = Describe(*pProblem, true);
-        TProblem other = std::move(*pProblem);
-        TProblem again;
-        again = std::move(other);
-        ASSERT_EQ(Describe(again, true), strBefore);
-    }
 }
 
 } // namespace

@@ -341,50 +341,40 @@ std::string TypedByHand(const TProblem& problem, std::mt19937& random)
 
 std::string Describe(const TProblem& problem, bool bAll)
 {
-    const TChessboard& board = *problem.m_pChessboard;
+    const TProblem& p = problem;
     constexpr std::uint32_t LOST_BITS = RUN_NOMEMORYLIMIT | RUN_SORTKNOWN | RUN_SORTONLY;
     std::ostringstream out;
-    out << problem.m_nProblemNumber << " type " << int{problem.m_nProblemType} << " moves "
-        << problem.m_nRequestedMoves << " " << board.m_nMoves << " " << board.m_nInitialMoves
-        << "\noptions " << (bAll ? problem.m_nRunOptions : problem.m_nRunOptions & ~LOST_BITS)
-        << " repeat " << problem.m_nGuiCheckRepeat << " threads "
-        << int{problem.m_nRequestedThreads} << " predefined " << problem.m_bUsePredefinedSettings
-        << " main " << int{problem.m_nMainVariantUse} << "\n"
-        << WriteFen(board, true) << "\n";
-    for (const TChessboard* pBoard : problem.GetPlayedLine())
-        out << WriteFen(*pBoard, false) << "\n";
-    out << "answer" << MovesLine(problem.m_vecExpectedSolutions, board) << "\n"
-        << Utf8FromWide(problem.m_strDescription) << "\n";
-    for (const std::string& strType : problem.m_setRequires)
-        out << "requires " << strType << "\n";
-    for (const std::wstring& strTag : problem.m_setTags)
-        out << "tag " << Utf8FromWide(strTag) << "\n";
-    for (const auto& [strName, variant] : problem.m_mapVariants) {
-        out << "variant " << Utf8FromWide(strName) << "=" << Utf8FromWide(variant.m_strName);
+    const auto addAll = [&out](const auto&... values) { ((out << values << ' '), ...); };
+    addAll(p.m_nProblemNumber, int{p.m_nProblemType}, p.m_nRequestedMoves,
+           p.m_pChessboard->m_nMoves, p.m_pChessboard->m_nInitialMoves,
+           bAll ? p.m_nRunOptions : p.m_nRunOptions & ~LOST_BITS, p.m_nGuiCheckRepeat,
+           int{p.m_nRequestedThreads}, p.m_bUsePredefinedSettings, int{p.m_nMainVariantUse},
+           WriteFen(*p.m_pChessboard, true), MovesLine(p.m_vecExpectedSolutions, *p.m_pChessboard),
+           Utf8FromWide(p.m_strDescription), SortIndicationsToText(p.m_sortIndications));
+    for (const TChessboard* pBoard : p.GetPlayedLine())
+        addAll(WriteFen(*pBoard, false));
+    for (const std::string& strType : p.m_setRequires)
+        addAll("\nrequires", strType);
+    for (const std::wstring& strTag : p.m_setTags)
+        addAll("\ntag", Utf8FromWide(strTag));
+    for (const auto& [strName, variant] : p.m_mapVariants) {
+        addAll("\nvariant", Utf8FromWide(strName));
+        addAll(Utf8FromWide(
+            VariantToText(variant, {.m_bWithComments = true, .m_nNameMode = EVariantName::AsIs})));
         for (const TVariantMove& move : variant.m_vecMoves)
-            out << " " << FromTo(move.m_move) << "." << int{move.m_move.m_promotion}
-                << move.m_strText << "[" << Utf8FromWide(move.m_strComment) << "]";
-        out << "\n";
-    }
-    for (const auto& [nMoveNumber, vecItems] : problem.m_sortIndications.m_mapItems) {
-        for (const TSortIndication& item : vecItems)
-            out << "hint " << nMoveNumber << " " << item.m_nMoveNumber << " " << int{item.m_figure}
-                << " " << int{item.m_from} << int{item.m_capture} << int{item.m_to} << " "
-                << int{item.m_promotion} << int{item.m_nCheck} << item.m_bNegated << "\n";
+            addAll(FromTo(move.m_move), int{move.m_move.m_promotion});
     }
     if (!bAll)
         return out.str();
-    out << int{problem.m_nRequestedMultithreadingLevels} << " "
-        << problem.m_shRequestedSchedulerLevels << " " << problem.m_shLichessLevels << " "
-        << problem.m_nMemoryLimitMB << " " << problem.m_bStopRelaxingAfterSolution << "\nsort"
-        << MovesLine(problem.m_vecExpectedSortWhiteMoves, board) << "\n";
-    for (const std::string& strType : problem.m_setAllSolutionsRequires)
-        out << "all requires " << strType << "\n";
-    for (const auto& [nHeuristic, vecArguments] : problem.m_mapHeuristicOptions) {
-        out << HeuristicName(nHeuristic);
+    addAll(int{p.m_nRequestedMultithreadingLevels}, p.m_shRequestedSchedulerLevels,
+           p.m_shLichessLevels, p.m_nMemoryLimitMB, p.m_bStopRelaxingAfterSolution,
+           MovesLine(p.m_vecExpectedSortWhiteMoves, *p.m_pChessboard));
+    for (const std::string& strType : p.m_setAllSolutionsRequires)
+        addAll("\nall requires", strType);
+    for (const auto& [nHeuristic, vecArguments] : p.m_mapHeuristicOptions) {
+        addAll("\n", HeuristicName(nHeuristic));
         for (const std::string& strArgument : vecArguments)
-            out << " " << strArgument;
-        out << "\n";
+            addAll(strArgument);
     }
     return out.str();
 }

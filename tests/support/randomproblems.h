@@ -17,7 +17,7 @@ std::unique_ptr<TProblem> RandomProblem(std::mt19937& random, std::int32_t nNumb
 /// short keywords, lists of figures, comments and line ends anywhere. UTF-8.
 std::string TypedByHand(const TProblem& problem, std::mt19937& random);
 
-/// Everything that a problem holds, a line each. Without bAll what a writer leaves out is missing.
+/// Everything that a problem holds. Without bAll what a writer leaves out is missing.
 std::string Describe(const TProblem& problem, bool bAll);
 
 } // namespace corvina
