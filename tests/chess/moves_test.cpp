@@ -477,28 +477,6 @@ TEST(Moves, StandInTheirFixedOrder)
     }
 }
 
-TEST(Moves, GeneratorsOfOneKindAgreeWithThatOfTheFigure)
-{
-    const std::string strFen = "r3k3/1p4b1/2p2n2/8/8/2N2P2/1P4B1/R3K3 w - - 0 1";
-    TTestLine white(strFen, 3);
-    TTestLine black(strFen, 4);
-    const TChessboard& w = white.board;
-    const TChessboard& b = black.board;
-    TMoveList list;
-    TMove* pOut = list.data();
-    const auto texts = [&](int nCount) { return Texts({pOut, pOut + nCount}); };
-    EXPECT_EQ(texts(w.GenerateWhiteKingMoves(4, 0, pOut)), Texts(Generated(w, 4)));
-    EXPECT_EQ(texts(b.GenerateBlackKingMoves(4, 7, pOut)), Texts(Generated(b, 60)));
-    EXPECT_EQ(texts(w.GenerateWhitePawnMoves(1, 1, pOut)), Texts(Generated(w, 9)));
-    EXPECT_EQ(texts(b.GenerateBlackPawnMoves(1, 6, pOut)), Texts(Generated(b, 49)));
-    EXPECT_EQ(texts(w.GenerateWhiteKnightMoves(2, 2, pOut)), Texts(Generated(w, 18)));
-    EXPECT_EQ(texts(b.GenerateBlackKnightMoves(5, 5, pOut)), Texts(Generated(b, 45)));
-    EXPECT_EQ(texts(w.GenerateWhiteRookMoves(0, pOut)), Texts(Generated(w, 0)));
-    EXPECT_EQ(texts(b.GenerateBlackRookMoves(56, pOut)), Texts(Generated(b, 56)));
-    EXPECT_EQ(texts(w.GenerateWhiteBishopMoves(14, pOut)), Texts(Generated(w, 14)));
-    EXPECT_EQ(texts(b.GenerateBlackBishopMoves(54, pOut)), Texts(Generated(b, 54)));
-}
-
 TEST(Moves, PassesAndTheRootHaveNoCaptureEnPassant)
 {
     TTestLine root("4k3/8/8/3pP3/8/8/8/4K3 w - d6 0 1", 3);

@@ -41,19 +41,6 @@ protected:
     TBoardBytes m_board = NumberedBoard(77);
 };
 
-TEST(Machine, AgreesWithTheSystem)
-{
-    std::ifstream file("/proc/meminfo");
-    std::string strLabel;
-    std::uint64_t nKilobytes = 0;
-    if (file >> strLabel >> nKilobytes) {
-        EXPECT_EQ(GetTotalPhysicalMemory(), nKilobytes << 10);
-    }
-    EXPECT_LE(GetProcessorCores(), sysconf(_SC_NPROCESSORS_CONF));
-}
-
-/// What each result answers at every depth, against its meaning: mates and refuted defences hold
-/// for more plies, "no mate" and defences for fewer.
 TEST_F(ChessboardRegister, AnswersByDepth)
 {
     for (const std::uint16_t nKnown : {5, 6}) {
@@ -169,23 +156,6 @@ TEST_F(ChessboardRegister, FileOfAnotherPositionAndTooManyRecords)
     EXPECT_EQ(reg.GetElementsCount(), 0U);
     reg.SetPosition(m_board.data());
     EXPECT_EQ(reg.GetElementsCount(), 13797U);
-}
-
-TEST_F(ChessboardRegister, Limits)
-{
-    TChessboardRegister reg;
-    const std::uint64_t nMemory = GetTotalPhysicalMemory();
-    EXPECT_EQ(reg.GetMemoryLimit() >> 20, (nMemory >> 20) / 5);
-    reg.SetMemoryLimitMB(100);
-    EXPECT_EQ(reg.GetMemoryLimit(), 104857600U);
-    EXPECT_EQ(reg.GetMemoryBudget(), 76546048U);
-    EXPECT_EQ(reg.GetMaxElements(), 797354U);
-    reg.SetMemoryLimitMB(std::numeric_limits<std::uint64_t>::max());
-    EXPECT_EQ(reg.GetMemoryLimit(), nMemory);
-    reg.SetMemoryLimitMB(0);
-    EXPECT_EQ(reg.GetMaxElements(), 0U);
-    reg.Insert(5, m_board.data(), true, nullptr, false);
-    EXPECT_EQ(reg.GetElementsCount(), 1U);
 }
 
 } // namespace

