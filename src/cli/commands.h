@@ -25,6 +25,8 @@ void AddBenchCommand(CLI::App& app, int& nExitCode);
 void AddCheckCommand(CLI::App& app, int& nExitCode);
 void AddConvertCommand(CLI::App& app, int& nExitCode);
 void AddMergeCommands(CLI::App& app, int& nExitCode);
+void AddOptionsCommand(CLI::App& app, int& nExitCode);
+void AddRegressionCommand(CLI::App& app, int& nExitCode);
 
 } // namespace corvina
 

@@ -27,6 +27,19 @@ void AddFileOptions(CLI::App& command, TProblemFileSettings& settings)
                      "problem files have a twin \"name.cpx\" with the comments of variants");
 }
 
+TOptions ReadProgramOptions(TProblemFileSettings& settings)
+{
+    std::vector<std::string> vecWarnings;
+    const TOptions options = ReadOptions(GetOptionsPath(), vecWarnings);
+    for (const std::string& strText : vecWarnings)
+        std::fprintf(stderr, "%s\n", strText.c_str());
+    if (options.m_nLanguageId >= 0 && options.m_nLanguageId <= 2)
+        settings.m_language = static_cast<ELanguage>(options.m_nLanguageId);
+    if (options.m_bCommentCompatibilityMode)
+        settings.m_bCommentCompatibilityMode = true;
+    return options;
+}
+
 void ReportError(const std::string& strPath, const TProblemFileException& error)
 {
     const std::string strText = Shortened(error.what());

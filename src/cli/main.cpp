@@ -34,6 +34,8 @@ int main(int argc, char** argv)
     corvina::AddCheckCommand(app, nExitCode);
     corvina::AddConvertCommand(app, nExitCode);
     corvina::AddMergeCommands(app, nExitCode);
+    corvina::AddOptionsCommand(app, nExitCode);
+    corvina::AddRegressionCommand(app, nExitCode);
     for (CLI::App* pCommand : app.get_subcommands({}))
         pCommand->set_version_flag("--version", "corvina-cli " CORVINA_VERSION);
     try {

@@ -98,8 +98,9 @@ bool IsCollection(const std::string& strFile)
     return strUpper.ends_with(".CP") || strUpper.ends_with(".CPX");
 }
 
-int RunSolve(const TSolveArguments& arguments)
+int RunSolve(TSolveArguments& arguments)
 {
+    arguments.m_options.m_programOptions = ReadProgramOptions(arguments.m_fileSettings);
     if (arguments.m_strFile.empty() == arguments.m_strFen.empty())
         throw ChessException("Give either a file or --fen.");
     if (IsCollection(arguments.m_strFile))

@@ -12,7 +12,7 @@ TSolveOutcome SolveWithOptions(TSolveRequest& request, const TSolveOptions& opti
 {
     // The note must not mix with a result that a program reads.
     request.m_pChessboard->CheckFigureLimits(nullptr, options.m_bJson ? stderr : stdout);
-    TRunSettings settings;
+    TRunSettings settings = ApplyOptions(options.m_programOptions, request);
     settings.m_bStopAtFirstSolution = options.m_bFirst;
     settings.m_nThreads = options.m_nThreads;
     request.m_bPlain = options.m_bPlain;

@@ -1,7 +1,7 @@
 #ifndef CORVINA_CLI_SOLVING_H
 #define CORVINA_CLI_SOLVING_H
 
-#include "search/solve.h"
+#include "app/options.h"
 
 #include <optional>
 #include <string>
@@ -19,6 +19,7 @@ struct TSolveOptions
     bool m_bPlain = false;
     bool m_bNoRegister = false;
     int m_nThreads = 1;
+    TOptions m_programOptions;
 };
 
 /// Solves a request; an interruption by the user stops it as the time does. Throws ChessException

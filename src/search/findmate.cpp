@@ -232,7 +232,8 @@ std::int8_t FindMate(TChessboard& root, std::vector<TMove>& vecResult)
     if (request.OnPassStart)
         request.OnPassStart(request.m_nPassCount);
 
-    TRun run(root, FirstMoves(root));
+    request.m_vecFirstMoves = FirstMoves(root);
+    TRun run(root, request.m_vecFirstMoves);
     request.m_nFirstMovesTotal = static_cast<std::uint32_t>(run.m_table.Size());
     RunThreads(run, std::clamp<int>(request.m_nEffectiveThreads, 1, MAX_ROOT_THREADS));
 

@@ -53,6 +53,7 @@ struct TSolveRequest : TProblem, TStopBlock, TRegisterHost
     std::int16_t m_shLookForQuickerMateDepth = -1; ///< half-moves; -1: automatic
     std::uint64_t m_nPlannedPasses = 0;
     std::uint32_t m_nFirstMovesTotal = 1;
+    std::vector<TMove> m_vecFirstMoves; ///< of the last run, in the order in which it tries them
     std::atomic<std::uint32_t> m_nPassCount{0};
     std::uint8_t m_nHybridBruteForcePhase = 0;
     bool m_bBruteForce = false;

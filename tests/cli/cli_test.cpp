@@ -111,6 +111,52 @@ TEST(Cli, LinesGiveOneJsonObjectEachAndBadOnesAreNamed)
                              "standard input:6: Expected a number of moves from 1 to 300: x"}));
 }
 
+TEST(Cli, OptionsAndRegressionInAFolderOfTheirOwn)
+{
+    const corvina::TTemporaryFolder folder;
+    setenv("CORVINA_HOME", folder.m_path.c_str(), 1);
+    corvina::PutBytes(folder.File("options.ini"), "; mine\n[chess]\nLogMoves=1\nExtra=1\n");
+    corvina::PutBytes(folder.File("a.cp"), "1 #2 { FEN: 7k/8/5K2/8/8/8/8/6R1\n Answer: Kf6-f7 }\n"
+                                           "2 #2 REQUIRES Q { FEN: 7k/8/5K2/8/8/8/8/6R1\n}\n");
+    struct TCase
+    {
+        const char* m_pArguments;
+        int m_nExitCode;
+        const char* m_pText; ///< part of the output
+    };
+    const TCase aCases[] = {
+        {"options", 0, "AutoSaveMB=256\n"},
+        {"options --set schedulerlevels=0 --set PrecalcPath=/data", 0, "PrecalcPath=/data\n"},
+        {"options", 0, "SchedulerLevels=0\n"},
+        {"options --set SchedulerLevels=9", 2, "Invalid number of scheduler levels"},
+        {"options --set MultithreadingLevels=0", 0, "value truncated/adjusted"},
+        {"options --set LogMoves=2", 2, "LogMoves: a number from 0 to 1 is expected."},
+        {"options --set LogMoves=0 --set LanguageId=2147483648", 2, "LanguageId: a number"},
+        {"options --set Nothing=1", 2, "There is no option Nothing."},
+        {"options --set LogMoves", 2, "--set needs KEY=VALUE: LogMoves"},
+    };
+    for (const TCase& test : aCases) {
+        const TRun run = RunCli(test.m_pArguments);
+        EXPECT_EQ(run.m_nExitCode, test.m_nExitCode) << test.m_pArguments << run.m_strOutput;
+        EXPECT_NE(run.m_strOutput.find(test.m_pText), std::string::npos)
+            << test.m_pArguments << "\n"
+            << run.m_strOutput;
+    }
+    const std::string strFile = corvina::BytesOf(folder.File("options.ini"));
+    EXPECT_TRUE(strFile.starts_with("; mine\n[chess]\nLogMoves=1\nExtra=1\n")) << strFile;
+
+    const std::string strCommand = "regression " + folder.File("a.cp") + " --quick 2>/dev/null";
+    const TRun good = RunCli(strCommand);
+    EXPECT_EQ(good.m_nExitCode, 0);
+    EXPECT_TRUE(good.m_strOutput.ends_with("1 ok, 0 failed, 0 unchecked, 1 skipped\n"));
+    EXPECT_TRUE(good.m_strOutput.starts_with(corvina::BytesOf(folder.File("RegressionTest.log"))));
+    corvina::PutBytes(folder.File("a.cp"), "1 #1 { FEN: 7k/8/5K2/8/8/8/8/6R1\n Answer: Kf6-f7 }");
+    const TRun bad = RunCli(strCommand + " --log " + folder.File("other.log"));
+    EXPECT_EQ(bad.m_nExitCode, 1) << bad.m_strOutput;
+    EXPECT_NE(corvina::BytesOf(folder.File("other.log")).find("failed:"), std::string::npos);
+    unsetenv("CORVINA_HOME");
+}
+
 TEST(Cli, SamplesSolveAndIdRoundTrips)
 {
     const TRun samples = RunCli("solve " CORVINA_SAMPLES "/sample_positions.txt --json");
