@@ -290,23 +290,23 @@ UTF-8
 
 35 #2 AllSolutions AllSolutionsRequires QBp
 {
+	Description: All solutions only where tables are at hand, otherwise the first
+	FEN: k7/2p5/7R/5Q2/3P3K/5P2/8/8
+	Answer: Qf5-c8
+}
+
+36 #2 AllSolutions StopOn3Sol
+{
 	Description: Three solutions
 	FEN: 5R2/8/8/3p2p1/3bQ3/3KN1k1/4p3/8
 	Answer: Qe4-g4, Qe4-f3, Qe4-g2
 }
 
-36 #2 AllSolutions StopOn3Sol
+37 #2 AllSolutions StopOn4Sol
 {
 	Description: Four solutions
 	FEN: 1k5n/5P2/R2R3n/8/6p1/5P2/6Q1/7K
 	Answer: Qg2-c2, Qg2-b2, Ra6-b6, Rd6-c6
-}
-
-37 #2 AllSolutions StopOn4Sol
-{
-	Description: Five solutions
-	FEN: 8/8/8/3Kp3/k7/3R4/5Q2/8
-	Answer: Qf2-b2, Qf2-a2, Qf2-c5, Kd5-c4, Kd5-c5
 }
 
 38 #3
