@@ -150,20 +150,6 @@ TEST(Board, ScanDerivesTheOtherMembers)
     EXPECT_EQ(Scanned("Kh1 kh8 rh5 nf2").m_whiteChecker, DOUBLE_CHECK);
 }
 
-TEST(Board, RootIsThatOfTheThreadOrTheTopOfTheLine)
-{
-    TChessboard root = Scanned("Ke1 Rh1 ke8");
-    TChessboard child = root;
-    child.m_pParent = &root;
-    EXPECT_EQ(&root.GetRootBoard(), &root);
-    EXPECT_EQ(&child.GetRootBoard(), &root);
-    EXPECT_EQ(child.GetCastlingRights(true), CASTLING_SHORT);
-    TTestLine line("4k3/8/8/8/8/8/8/4K3 w - - 0 1", 3);
-    child.m_pThread = &line.context;
-    EXPECT_EQ(&child.GetRootBoard(), &line.board);
-    EXPECT_EQ(child.GetCastlingRights(true), 0);
-}
-
 TEST(Board, MoreThanNineQueensAndPawnsAreAskedAbout)
 {
     const std::string strNote =
@@ -195,22 +181,6 @@ TEST(Board, MoreThanNineQueensAndPawnsAreAskedAbout)
     std::fclose(pNotes);
     EXPECT_EQ(strPrinted.substr(0, strPrinted.find('\n')), strNote);
     EXPECT_EQ(strPrinted.find("Do you"), std::string::npos);
-}
-
-TEST(Board, MirrorTurnsLeftToRight)
-{
-    for (const char* pFen : g_aWalkStarts) {
-        TTestLine line(pFen, HalfMovesFor(pFen, 4));
-        TChessboard expected = line.board;
-        for (int i = 0; i < 64; ++i)
-            expected.m_board[i] = line.board.m_board[i ^ 7];
-        expected.ScanBoard(false);
-        line.board.MirrorBoard();
-        const auto* pExpected = reinterpret_cast<const std::uint8_t*>(&expected);
-        EXPECT_TRUE(std::equal(pExpected, pExpected + offsetof(TChessboard, m_whiteRookSquares),
-                               reinterpret_cast<const std::uint8_t*>(&line.board)))
-            << pFen;
-    }
 }
 
 } // namespace

@@ -253,8 +253,6 @@ private:
                     ASSERT_EQ(child.CanBlackEscapeCheck(), bEscape);
                     m_mapSeen["mates"] += !bEscape;
                 }
-                if (form == MakeFull && slow.m_aBoard[captured] != NO_FIGURE)
-                    CompareCaptureNotes(board, child, captured);
             }
             m_mapSeen["moves"] += 1;
             m_mapSeen["en passant"] += move.m_bEnPassant;
@@ -262,19 +260,6 @@ private:
                 expected.m_whiteChecker == DOUBLE_CHECK || expected.m_blackChecker == DOUBLE_CHECK;
             m_mapSeen["lists become valid"] +=
                 expected.m_bWhiteSquaresValid > board.m_bWhiteSquaresValid;
-        }
-    }
-
-    /// The thread notes the first three captures of each side, the record their number.
-    void CompareCaptureNotes(const TChessboard& board, const TChessboard& child, TSquare captured)
-    {
-        const int nSide = board.IsWhiteToMove() ? 0 : 1;
-        const int nShift = nSide == 0 ? 4 : 2;
-        const int nBefore = board.m_moveFilter >> nShift & 3;
-        ASSERT_EQ(child.m_moveFilter, board.m_moveFilter + (nBefore < 3 ? 1 << nShift : 0));
-        if (nBefore < 3) {
-            const auto& note = board.m_pThread->m_aCaptures[nSide][nBefore];
-            ASSERT_TRUE(note.m_square == captured && note.m_figure == board.m_board[captured]);
         }
     }
 
