@@ -17,6 +17,10 @@ namespace
 /// Below this depth the list is generated figure by figure and not sorted.
 constexpr int MIN_SORTED_DEPTH = 5;
 
+/// The callback of progress comes at depths 9, 25, 41 ...
+constexpr int PROGRESS_PERIOD = 16;
+constexpr int PROGRESS_DEPTH = 9;
+
 /// A node at White's move.
 template <int nKind>
 class TWhiteNode
@@ -41,6 +45,7 @@ public:
         }
         if (m_nDepth == 1)
             return IsMateInOne(m_board) ? RESULT_MATE : RESULT_NO_MATE;
+        ReportProgress();
         m_anRepeat[m_nDepth + 1] = 0;
         const TSearchResult nResult = SearchMoves();
         return nResult == RESULT_MATE ? OnMate() : nResult;
@@ -48,6 +53,16 @@ public:
 
 private:
     bool IsStopped() const { return m_request.IsStopped(m_context.m_nThreadId); }
+
+    /// At depths far enough apart that the callback costs nothing.
+    void ReportProgress() const
+    {
+        const int nPlayed = m_board.m_nInitialMoves - m_nDepth;
+        if (m_nDepth % PROGRESS_PERIOD == PROGRESS_DEPTH &&
+            (m_nDepth == PROGRESS_DEPTH || nPlayed >= PROGRESS_DEPTH) &&
+            m_request.OnPositionAnalysed)
+            m_request.OnPositionAnalysed(m_board);
+    }
 
     /// The tables' answer is exact; a mate that is too long may still fit a short mate search with
     /// moves to spare.

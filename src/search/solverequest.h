@@ -89,6 +89,9 @@ struct TSolveRequest : TProblem, TStopBlock, TRegisterHost
     std::function<void(const TMove& move, const std::string& strText, int nProblemNumber)>
         OnSolutionFound;
 
+    /// Called now and then at a White node, from the thread that searches it.
+    std::function<void(const TChessboard& board)> OnPositionAnalysed;
+
     /// Called each second of a run, from the thread that waits for it.
     std::function<void(int nSeconds)> OnSecond;
 
