@@ -348,7 +348,7 @@ TRunSettings ApplyOptions(const TOptions& options, TSolveRequest& request)
         request.m_TemporaryRegister.SetMemoryLimitMB(
             ComputeMemoryLimits(options, nTotalBytes).m_nTemporaryMB);
     TRunSettings settings;
-    settings.m_bQuickMode = options.m_bQuickMode && !(request.m_nRunOptions & RUN_SAFEMODE);
+    settings.m_bQuickMode = options.m_bQuickMode;
     return settings;
 }
 

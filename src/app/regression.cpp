@@ -2,6 +2,7 @@
 
 #include "app/boardcheck.h"
 #include "app/mirror.h"
+#include "chess/moveset.h"
 #include "chess/notation.h"
 #include "platform/watchdog.h"
 
@@ -34,19 +35,9 @@ int CountMen(const TChessboard& board)
                                           [](TFigure figure) { return IsFigure(figure); }));
 }
 
-bool ContainsMove(const std::vector<TMove>& vecMoves, const TMove& move)
-{
-    return std::any_of(vecMoves.begin(), vecMoves.end(),
-                       [&](const TMove& other) { return IsSameMove(move, other); });
-}
-
 bool IsSameSet(const std::vector<TMove>& a, const std::vector<TMove>& b)
 {
-    const auto isSubset = [](const auto& vecPart, const auto& vecWhole) {
-        return std::all_of(vecPart.begin(), vecPart.end(),
-                           [&](const TMove& move) { return ContainsMove(vecWhole, move); });
-    };
-    return isSubset(a, b) && isSubset(b, a);
+    return IsSubset(a, b) && IsSubset(b, a);
 }
 
 std::string JoinedMoves(const std::vector<TMove>& vecMoves, const TChessboard& board)

@@ -1,6 +1,7 @@
 #include "cli/solvecollection.h"
 
 #include "chess/fen.h"
+#include "chess/moveset.h"
 #include "cli/commands.h"
 #include "cli/fileoptions.h"
 #include "platform/encoding.h"
@@ -25,18 +26,6 @@ enum class EVerdict
     Skipped
 };
 constexpr int VERDICTS = 4;
-
-bool ContainsMove(const std::vector<TMove>& vecMoves, const TMove& move)
-{
-    return std::any_of(vecMoves.begin(), vecMoves.end(),
-                       [&](const TMove& other) { return IsSameMove(move, other); });
-}
-
-bool IsSubset(const std::vector<TMove>& vecPart, const std::vector<TMove>& vecWhole)
-{
-    return std::all_of(vecPart.begin(), vecPart.end(),
-                       [&](const TMove& move) { return ContainsMove(vecWhole, move); });
-}
 
 /// A run that ends at a number of solutions need not have found all of the answer.
 EVerdict Compare(const TSolveRequest& request, const TSolveOutcome& outcome)

@@ -15,7 +15,9 @@ std::uint8_t SearchModeOf(const TSolveRequest& request, const TRunSettings& sett
         return request.m_nSearchMode;
     std::uint8_t nMode = request.m_nForcedSearchMode;
     if (nMode == 0)
-        nMode = settings.m_bStopAtFirstSolution ? SEARCH_FIRST : SEARCH_ALL;
+        nMode = static_cast<std::uint8_t>(
+            (settings.m_bStopAtFirstSolution ? SEARCH_FIRST : SEARCH_ALL) |
+            (request.m_nThreads > 1 ? SEARCH_THREADS : 0));
     if ((request.m_nRunOptions & RUN_ALLSOLUTIONS) && (nMode & SEARCH_FIRST))
         nMode = static_cast<std::uint8_t>((nMode & ~SEARCH_FIRST) | SEARCH_ALL);
     return nMode;
@@ -31,11 +33,11 @@ void PrepareRun(TSolveRequest& request, const TRunSettings& settings)
     request.m_bPassWithoutHeuristics = false;
     request.m_nPassCount = 0;
     request.m_nPositions = 0;
-    request.m_bSafeMode = !settings.m_bQuickMode;
-    request.m_nSearchMode = SearchModeOf(request, settings);
+    request.m_bSafeMode = !settings.m_bQuickMode || (request.m_nRunOptions & RUN_SAFEMODE);
     request.m_nThreads = static_cast<std::uint8_t>(std::clamp(
         request.m_nForcedThreads ? request.m_nForcedThreads : settings.m_nThreads, 1, MAX_THREADS));
     request.m_nEffectiveThreads = request.m_nThreads;
+    request.m_nSearchMode = SearchModeOf(request, settings);
     request.m_nRunningThreads = 0;
     request.m_nShortestRepetitionDepth = request.m_nRequestedMoves;
 }

@@ -1,5 +1,6 @@
 #include "search/solverequest.h"
 
+#include "chess/moveset.h"
 #include "chess/notation.h"
 
 #include <algorithm>
@@ -39,8 +40,7 @@ void AddSolution(TSolveRequest& request, const TMove& move)
 {
     const std::lock_guard guard(g_csSolutions);
     auto& vecSolutions = request.m_vecSolutions;
-    if (std::any_of(vecSolutions.begin(), vecSolutions.end(),
-                    [&](const TMove& other) { return IsSameMove(move, other); }))
+    if (ContainsMove(vecSolutions, move))
         return;
     if (request.m_pFoundSolutions)
         request.m_pFoundSolutions->Publish(move);

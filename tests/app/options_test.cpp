@@ -160,10 +160,8 @@ TEST(Options, LimitsOfMemoryReachTheRegister)
     EXPECT_EQ(limits.m_nDefaultTemporaryMB, (std::uint64_t{3} << 20) / 5);
     EXPECT_EQ(limits.m_nPrecalculatedBytes, TOTAL);
 
-    TSolveRequest safe, quick;
-    safe.m_nRunOptions = RUN_SAFEMODE;
-    EXPECT_FALSE(ApplyOptions(options, safe).m_bQuickMode);
-    EXPECT_TRUE(ApplyOptions(options, quick).m_bQuickMode);
+    TSolveRequest quick;
+    ApplyOptions(options, quick);
     options.m_nMaxMemRatioForTempReg = 1;
     const std::uint64_t nLarge = quick.m_TemporaryRegister.GetMemoryLimit();
     ApplyOptions(options, quick);

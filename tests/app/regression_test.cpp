@@ -98,7 +98,7 @@ TEST(Regression, ALineForEachOutcome)
                          "AllSolutionsRequiresSyzygy not satisfied\n"
                          "[SnglSolution, 1thrd(s)] Test #8 M1 ok (T).\n"
                          "[SnglSolution, 1thrd(s)] Test #9 M1 ok (T).\n"
-                         "[SnglSolution, 2thrd(s)] Test #11 M1 ok (T).\n");
+                         "[SnglSolution, 2thrd(s)] Test #11 M5 ok (T).\n");
     run.ExpectCounts(5, 1, 2, 3);
     EXPECT_EQ(run.m_vecErrors, std::vector<int>{10});
     EXPECT_EQ(BytesOf(run.LogPath() + ".BAK"), "old\n");
