@@ -228,9 +228,7 @@ private:
     {
         TRunSettings settings = ApplyOptions(m_settings.m_options, request);
         settings.m_bStopAtFirstSolution = true;
-        settings.m_nThreads = request.m_nRequestedThreads > 0
-                                  ? request.m_nRequestedThreads
-                                  : static_cast<int>(m_settings.m_nThreads);
+        settings.m_nThreads = static_cast<int>(m_settings.m_nThreads);
         return settings;
     }
 

@@ -145,7 +145,9 @@ void AddSolveCommand(CLI::App& app, int& nExitCode)
     pCommand->add_option("--time", options.m_dSeconds, "give up after so many seconds a position")
         ->check(CLI::Range(0.0, 1e9));
     pCommand->add_flag("--json", options.m_bJson, "print one JSON object a position");
-    pCommand->add_option("--threads", options.m_nThreads, "threads that share the first moves (1)")
+    pCommand
+        ->add_option("--threads", options.m_nThreads,
+                     "threads that share the first moves (what the problem asks for, or 1)")
         ->check(CLI::Range(1, 64));
     pCommand->add_flag("--no-register", options.m_bNoRegister,
                        "search without memory of positions, for comparison");

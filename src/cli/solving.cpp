@@ -14,7 +14,7 @@ TSolveOutcome SolveWithOptions(TSolveRequest& request, const TSolveOptions& opti
     request.m_pChessboard->CheckFigureLimits(nullptr, options.m_bJson ? stderr : stdout);
     TRunSettings settings = ApplyOptions(options.m_programOptions, request);
     settings.m_bStopAtFirstSolution = options.m_bFirst;
-    settings.m_nThreads = options.m_nThreads;
+    request.m_nForcedThreads = static_cast<std::uint8_t>(options.m_nThreads);
     request.m_bPlain = options.m_bPlain;
     request.m_bUseRegister = !options.m_bNoRegister;
 

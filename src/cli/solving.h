@@ -18,7 +18,7 @@ struct TSolveOptions
     bool m_bJson = false;
     bool m_bPlain = false;
     bool m_bNoRegister = false;
-    int m_nThreads = 1;
+    int m_nThreads = 0; ///< 0: what the problem asks for, or one
     TOptions m_programOptions;
 };
 

@@ -25,6 +25,17 @@ std::uint8_t SearchModeOf(const TSolveRequest& request, const TRunSettings& sett
 
 constexpr int MAX_THREADS = 255;
 
+/// The command's number of threads, else the problem's, else that of the settings.
+std::uint8_t ThreadsOf(const TSolveRequest& request, const TRunSettings& settings)
+{
+    int nThreads = settings.m_nThreads;
+    if (request.m_nForcedThreads)
+        nThreads = request.m_nForcedThreads;
+    else if (request.m_nRequestedThreads > 0)
+        nThreads = request.m_nRequestedThreads;
+    return static_cast<std::uint8_t>(std::clamp(nThreads, 1, MAX_THREADS));
+}
+
 /// Resolves what the run takes from the options.
 void PrepareRun(TSolveRequest& request, const TRunSettings& settings)
 {
@@ -34,8 +45,7 @@ void PrepareRun(TSolveRequest& request, const TRunSettings& settings)
     request.m_nPassCount = 0;
     request.m_nPositions = 0;
     request.m_bSafeMode = !settings.m_bQuickMode || (request.m_nRunOptions & RUN_SAFEMODE);
-    request.m_nThreads = static_cast<std::uint8_t>(std::clamp(
-        request.m_nForcedThreads ? request.m_nForcedThreads : settings.m_nThreads, 1, MAX_THREADS));
+    request.m_nThreads = ThreadsOf(request, settings);
     request.m_nEffectiveThreads = request.m_nThreads;
     request.m_nSearchMode = SearchModeOf(request, settings);
     request.m_nRunningThreads = 0;

@@ -108,6 +108,12 @@ TEST(Solve, FirstSolutionAllSolutionsAndLimits)
     request.m_nForcedSearchMode = 0;
     request.m_nRunOptions = RUN_ALLSOLUTIONS;
     EXPECT_EQ(Solve(request, first).m_vecSolutions.size(), all.m_vecSolutions.size());
+    request.m_nRequestedThreads = 3;
+    Solve(request, first);
+    EXPECT_EQ(request.m_nEffectiveThreads, 3);
+    request.m_nForcedThreads = 2;
+    Solve(request, first);
+    EXPECT_EQ(request.m_nEffectiveThreads, 2);
     for (const auto& [nOption, nLimit] : {std::pair{RUN_STOPON2SOLUTIONS, 2u},
                                           {RUN_STOPON3SOLUTIONS, 3u},
                                           {RUN_STOPON4SOLUTIONS, 4u}})
