@@ -15,6 +15,31 @@ namespace
 constexpr int MAX_RANKING_PLIES = 9;
 constexpr int MAX_RANKED_PLIES_THOROUGH = 10;
 
+/// A register of its own for the task, with the limits of the request's, which comes back with its
+/// contents at the end.
+class TRegisterOfDefence
+{
+public:
+    explicit TRegisterOfDefence(TSolveRequest& request) : m_request(request)
+    {
+        auto& reg = m_request.m_TemporaryRegister;
+        reg.Swap(m_other);
+        reg.SetBuckets(reg.GetBucketsForSolve(m_request.m_nRequestedMoves), false);
+        m_request.m_bRegisterConfirm = true;
+    }
+    ~TRegisterOfDefence()
+    {
+        m_request.m_bRegisterConfirm = false;
+        m_request.m_TemporaryRegister.Swap(m_other);
+    }
+    TRegisterOfDefence(const TRegisterOfDefence&) = delete;
+    TRegisterOfDefence& operator=(const TRegisterOfDefence&) = delete;
+
+private:
+    TSolveRequest& m_request;
+    TAggregatedTemporaryChessboardRegister m_other;
+};
+
 /// The search for the best defence at one position.
 class TDefenceSearch
 {
@@ -232,6 +257,7 @@ TDefenceOutcome FindBestDefence(TSolveRequest& request, bool bThorough)
     root.m_pRequest = &request;
     root.CheckStartPosition(request.m_nRequestedMoves, true);
     request.m_nShortestRepetitionDepth = request.m_nRequestedMoves;
+    const TRegisterOfDefence fresh(request);
     return TDefenceSearch(request, bThorough).Search();
 }
 

@@ -28,9 +28,9 @@ struct TDefenceOutcome
 };
 
 /// Finds the best defence of Black, who is to move on the request's board, against mate within its
-/// m_nRequestedMoves half-moves (even). With bThorough a single candidate is analysed too. The
-/// request's register is not used. Throws ChessException for a position that is no start position,
-/// or one without a legal reply: "No valid move found".
+/// m_nRequestedMoves half-moves (even). With bThorough a single candidate is analysed too. What the
+/// request's register knows is neither used nor changed. Throws ChessException for a position that
+/// is no start position, or one without a legal reply: "No valid move found".
 TDefenceOutcome FindBestDefence(TSolveRequest& request, bool bThorough);
 
 } // namespace corvina
