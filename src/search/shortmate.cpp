@@ -169,8 +169,7 @@ bool AnyMoveMates(TChessboard& board, TTest test)
     return false;
 }
 
-/// The choice of depth reads these heuristics when they are in force; without any, the longest
-/// short mate is one of seven moves.
+/// Half-moves of the longest short mate: one of seven moves.
 constexpr int MAX_QUICKER_MATE = 13;
 
 /// White's queens are so many that a short mate is found early or not at all.
