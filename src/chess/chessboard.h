@@ -44,9 +44,28 @@ struct alignas(16) TChessboard
     /// The endgame tables cover the material; set by the search.
     static constexpr std::uint16_t POSITION_GLOBALREGISTER = 0x800;
 
+    // What the analysis of the root position found.
+
+    static constexpr std::uint16_t POSITION_FEWFIGURES = 0x2; ///< fewer than 8 men, kings counted
+    /// Few men, of which Black has at most one figure and a free king, or a certain knight ending.
+    static constexpr std::uint16_t POSITION_FREEKING = 0x4;
+    static constexpr std::uint16_t POSITION_PAWNPLAY = 0x8; ///< White mates with pawns and a minor
+    static constexpr std::uint16_t POSITION_OPPOSITEBISHOPS = 0x10;
+    static constexpr std::uint16_t POSITION_MANYFIGURES = 0x20; ///< more than 11, without pawns
+    static constexpr std::uint16_t POSITION_LONEBISHOP = 0x80;
+    static constexpr std::uint16_t POSITION_SMALLENDING = 0x100;
+    static constexpr std::uint16_t POSITION_BLACKBLOCKED = 0x4000; ///< no Black figure can move
+
     /// The ring of the Black king within m_boardFlags.
     static constexpr int RING_SHIFT = 3;
     static constexpr std::uint16_t RING_MASK = 3 << RING_SHIFT;
+
+    // Further bits of m_boardFlags: what the heuristics note along a line.
+
+    static constexpr std::uint16_t FLAG_SAVEFIGUREPENDING = 0x20;
+    static constexpr std::uint16_t FLAG_EDGECHECKDEFERRED = 0x100; ///< m_bEdgeCheckDeferred
+    static constexpr std::uint16_t FLAG_FIGURELOST = 0x2000;
+    static constexpr std::uint16_t FLAG_EDGERELAXED = 0x8000; ///< m_bEdgeRelaxedInVariant
 
     /// The fields of m_moveFilter.
     static constexpr std::uint8_t FILTER_MODE_MASK = 3;

@@ -105,7 +105,7 @@ std::optional<TSearchResult> ProbeRegister(TChessboard& board)
         !IsConfirmed(board))
         return std::nullopt;
     TThreadContext& context = ContextOf(board);
-    context.m_nDoubtReason = nAnswer == REGISTER_NO_MATE ? 0 : -1;
+    context.m_nDoubtReason = nAnswer == REGISTER_NO_MATE ? 0 : DOUBT_REGISTER;
     switch (nAnswer) {
     case REGISTER_NO_MATE:
         return RESULT_NO_MATE;

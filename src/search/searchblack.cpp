@@ -102,7 +102,7 @@ private:
             return RESULT_MATE;
         m_bHasReply = true;
         ++m_context.m_nPositions;
-        if (child.m_nPass == 1 && child.m_nHeuristics != 0 && IsBlackMoveDoubtful(child))
+        if (child.m_nPass == 1 && child.m_nHeuristics != 0 && IsBlackMoveDoubtful(child, &move) > 0)
             return RESULT_DOUBTFUL;
         if (!m_bProbed && UsesRegister(child)) {
             if (const auto known = ProbeRegister(child))

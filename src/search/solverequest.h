@@ -65,15 +65,25 @@ struct TSolveRequest : TProblem, TStopBlock, TRegisterHost
     std::int32_t m_nThreadPriority = 0;
     std::uint32_t m_nRequiredHeuristics = 0;
     bool m_bSafeMode = false;
+
+    // The set of heuristics that the run begins with.
+    std::uint32_t m_nHeuristics = 0;
+    THeuristicsParams m_heuristicsParams;
+
+    // Men of the root position: queens, rooks, bishops and knights, and pawns.
+    std::uint8_t m_nRootWhiteFigures = 0, m_nRootWhitePawns = 0;
+    std::uint8_t m_nRootBlackFigures = 0, m_nRootBlackPawns = 0;
+
     std::chrono::steady_clock::time_point m_tStart;             ///< of the run
     std::chrono::steady_clock::time_point m_tFirstMoveStart;    ///< of the search proper
     TAggregatedTemporaryChessboardRegister m_TemporaryRegister; ///< what the runs have learnt
     bool m_bUseRegister = true;
     /// Tasks with fewer half-moves are solved faster than their positions are looked up.
     std::uint16_t m_nMinRegisterPlies = 10;
-    bool m_bPlain = false;          ///< by the plain recursion
-    bool m_bCutShort = false;       ///< a stop left first moves undecided
-    std::uint64_t m_nPositions = 0; ///< legal moves made in the last run
+    bool m_bPlain = false;                    ///< by the plain recursion
+    bool m_bCutShort = false;                 ///< a stop left first moves undecided
+    std::uint64_t m_nPositions = 0;           ///< legal moves made in the last run
+    std::array<std::uint64_t, 32> m_anCuts{}; ///< lines cut in the last run, by heuristic
 
     bool m_bRegisterConfirm = false; ///< hits under heuristics count only for the exact setting
     bool m_bThoroughDefence = false;

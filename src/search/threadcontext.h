@@ -2,7 +2,9 @@
 #define CORVINA_SEARCH_THREADCONTEXT_H
 
 #include "chess/linecontext.h"
+#include "heuristics/heuristicsparams.h"
 
+#include <array>
 #include <cstdint>
 #include <vector>
 
@@ -17,9 +19,12 @@ struct TKiller
     TFigure m_figure = NO_FIGURE;
 };
 
+/// TThreadContext::m_nDoubtReason: the register knew the position as doubtful.
+constexpr std::uint32_t DOUBT_REGISTER = 0xFFFFFFFF;
+
 /// Everything that a search thread does not share: the line that it follows, the state of the
 /// nodes on it, and its counters. One per thread of a run.
-class TThreadContext : public TLineContext
+class TThreadContext : public TLineContext, public THeuristicsParams
 {
 public:
     explicit TThreadContext(int nMaxPlies) : TLineContext(nMaxPlies) { ReserveLevels(nMaxPlies); }
@@ -58,7 +63,9 @@ public:
     bool m_bSpecialSolverTried = false;
 
     /// The heuristic that made the last result doubtful; 0 and -1: the register said so.
-    std::int32_t m_nDoubtReason = 0;
+    std::uint32_t m_nDoubtReason = 0;
+    std::uint8_t m_nHookNesting = 0;          ///< hooks of Black's moves that are open
+    std::array<std::uint64_t, 32> m_anCuts{}; ///< lines that each heuristic has cut, by its bit
 
     /// A mate was proved by a capture of the figure that Black had just promoted: it holds against
     /// each of the four.

@@ -1,0 +1,11 @@
+#include "search/hooks.h"
+
+namespace corvina
+{
+
+int IsBlackMoveDoubtful(TChessboard&, TMove*)
+{
+    return HOOK_PASSES;
+}
+
+} // namespace corvina

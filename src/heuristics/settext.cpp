@@ -1,0 +1,11 @@
+#include "search/hooks.h"
+
+namespace corvina
+{
+
+std::string GetHeuristicsText(const TChessboard&, bool)
+{
+    return std::string();
+}
+
+} // namespace corvina
