@@ -43,6 +43,8 @@ int RunDefend(const TDefendOptions& options)
     std::printf("%s\n", outcome.m_strText.c_str());
     if (!outcome.m_bSettledAtOnce)
         PrintRanking(*request.m_pChessboard, outcome);
+    if (outcome.m_bRepetition)
+        std::printf("%s: %s\n", REPETITION_TITLE, REPETITION_NOTE);
     return outcome.m_bStopped ? EXIT_STOPPED : 0;
 }
 

@@ -1,10 +1,14 @@
 #include "search/defence.h"
 
 #include "chess/notation.h"
+#include "registers/answers.h"
+#include "search/hooks.h"
 #include "search/nodes.h"
+#include "search/rootsetup.h"
 #include "search/shortmate.h"
 
 #include <algorithm>
+#include <bit>
 
 namespace corvina
 {
@@ -40,30 +44,58 @@ private:
     TAggregatedTemporaryChessboardRegister m_other;
 };
 
+/// What the register of solved positions knows of a position with Black to move.
+struct TRegisterAnswer
+{
+    std::uint8_t m_nAnswer = REGISTER_UNKNOWN; ///< 1: a move prevents the mate, 0: none does
+    TMove m_move{};                            ///< the best one
+};
+
+/// Short tasks are not looked up.
+constexpr int MIN_SOLVED_PLIES = 12;
+
+TRegisterAnswer AskSolvedPositions(TSolveRequest& request)
+{
+    TRegisterAnswer answer;
+    const TChessboard& board = *request.m_pCurrentBoard;
+    std::uint32_t nMove = 0;
+    if (board.m_nMoves >= MIN_SOLVED_PLIES)
+        answer.m_nAnswer =
+            request.m_TemporaryRegister.FindDefence(board.m_nMoves, board.m_board, &nMove);
+    answer.m_move = std::bit_cast<TMove>(nMove);
+    return answer;
+}
+
 /// The search for the best defence at one position.
 class TDefenceSearch
 {
 public:
+    /// The line that led to the record stays above it.
     TDefenceSearch(TSolveRequest& request, bool bThorough)
-        : m_request(request), m_root(*request.m_pChessboard), m_bThorough(bThorough),
-          m_context(request.m_nRequestedMoves + MAX_RANKING_PLIES)
+        : m_request(request), m_root(*request.m_pCurrentBoard), m_bThorough(bThorough),
+          m_context(m_root.m_nMoves + MAX_RANKING_PLIES)
     {
-        m_context.m_pRootBoard = &m_root;
-        m_root.m_pThread = &m_context;
-        m_root.m_nPass = 2;
+        m_root.m_pRequest = &request;
+        TakeUpHeuristics(m_root);
+        PutOnThread(m_root, m_context);
+        m_context.m_pRootBoard = request.m_pChessboard.get();
     }
-    ~TDefenceSearch() { m_root.m_pThread = nullptr; }
     TDefenceSearch(const TDefenceSearch&) = delete;
     TDefenceSearch& operator=(const TDefenceSearch&) = delete;
 
-    TDefenceOutcome Search()
+    TDefenceOutcome Search(TRegisterAnswer solved)
     {
         CollectReplies();
+        m_solved = solved;
+        if (m_root.IsRepetition())
+            return OutcomeOfRepetition();
         FindOnlyReply();
         if (m_bOnly && !m_bThorough)
             return OutcomeOfOnlyReply();
         m_context.m_nDefenceDepth = m_root.m_nMoves;
-        m_outcome.m_bMateFollows = SearchBlack<NODE_DEFENCE>(m_root) == RESULT_MATE;
+        if (m_solved.m_nAnswer != REGISTER_UNKNOWN && TakeSolved())
+            return Outcome(TextOfSearch());
+        m_outcome.m_bMateFollows = SearchPasses() == RESULT_MATE;
         if (IsStopped())
             return OutcomeOfStop();
         Rank();
@@ -72,6 +104,44 @@ public:
 
 private:
     bool IsStopped() const { return m_request.IsStoppedForAll(); }
+
+    /// From the set of the request to none, until a pass is certain.
+    TSearchResult SearchPasses()
+    {
+        while (m_root.m_nHeuristics != 0) {
+            const TSearchResult nResult = SearchBlack<NODE_DEFENCE>(m_root);
+            if (nResult >= 0 || IsStopped())
+                return nResult;
+            if (TryRelaxSpecialHeuristics(m_root) == 0)
+                DropHeuristics(m_root);
+        }
+        m_root.m_nPass = PASS_WITHOUT_HEURISTICS;
+        return SearchBlack<NODE_DEFENCE>(m_root);
+    }
+
+    /// The register of solved positions knows how the position ends, with Black's best move. False
+    /// when that is none of his moves.
+    bool TakeSolved()
+    {
+        const auto isIt = [&](const TMove& reply) { return IsSameMove(reply, m_solved.m_move); };
+        if (std::none_of(m_vecReplies.begin(), m_vecReplies.end(), isIt))
+            return false;
+        m_outcome.m_bFromRegister = true;
+        m_outcome.m_bMateFollows = m_solved.m_nAnswer == 0;
+        m_outcome.m_vecRanked = {{m_solved.m_move, !m_outcome.m_bMateFollows, 0}};
+        return true;
+    }
+
+    /// Nothing is analysed that has stood on the board before.
+    TDefenceOutcome OutcomeOfRepetition()
+    {
+        m_outcome.m_bSettledAtOnce = true;
+        m_outcome.m_strText =
+            "Program detected position repetition\nFor optimization reasons every "
+            "postion repetition is treated as preventing mate and, thus, program "
+            "terminates analysis in such case.";
+        return m_outcome;
+    }
 
     void CollectReplies()
     {
@@ -186,6 +256,11 @@ private:
         m_outcome.m_vecRanked = std::move(vecLeft);
         m_outcome.m_vecRanked.insert(m_outcome.m_vecRanked.end(), vecBeaten.begin(),
                                      vecBeaten.end());
+        const auto& vecRecords = m_request.m_vecDefenceRecords;
+        m_outcome.m_bRepetition = bRefuted && std::none_of(vecRecords.begin(), vecRecords.end(),
+                                                           [](const TDefenceRecord& record) {
+                                                               return record.m_bRefutes;
+                                                           });
     }
 
     /// Within the stipulation the search has the answers; beyond it the effort is bounded.
@@ -230,11 +305,14 @@ private:
         for (std::size_t i = 1; i < std::min(m_nEquals, ranked.size()); ++i)
             m_outcome.m_strText +=
                 (i == 1 ? "\nEquivalent moves: " : ", ") + PrintMove(ranked[i].m_move, m_root);
+        if (m_outcome.m_bFromRegister)
+            m_outcome.m_strText += " (from register)";
         return m_outcome;
     }
 
     TSolveRequest& m_request;
-    TChessboard& m_root;
+    TChessboard m_root;
+    TRegisterAnswer m_solved;
     TChessboard m_reply;
     const bool m_bThorough;
     TThreadContext m_context;
@@ -253,12 +331,16 @@ TDefenceOutcome FindBestDefence(TSolveRequest& request, bool bThorough)
     request.ClearStopState();
     request.m_bThoroughDefence = bThorough;
     request.m_bSolutionFound = false;
-    TChessboard& root = *request.m_pChessboard;
+    TChessboard& root = *request.m_pCurrentBoard;
     root.m_pRequest = &request;
-    root.CheckStartPosition(request.m_nRequestedMoves, true);
-    request.m_nShortestRepetitionDepth = request.m_nRequestedMoves;
+    if (!root.m_pParent)
+        root.CheckStartPosition(request.m_nRequestedMoves, true);
+    else if (root.IsWhiteToMove())
+        throw ChessException("It is not Black's move.");
+    request.m_nShortestRepetitionDepth = root.m_nMoves;
+    const TRegisterAnswer solved = AskSolvedPositions(request);
     const TRegisterOfDefence fresh(request);
-    return TDefenceSearch(request, bThorough).Search();
+    return TDefenceSearch(request, bThorough).Search(solved);
 }
 
 } // namespace corvina

@@ -6,6 +6,8 @@
 #include "search/nodes.h"
 #include "search/ordering.h"
 #include "search/plainsearch.h"
+#include "search/rootsetup.h"
+#include "search/whitecuts.h"
 
 #include <algorithm>
 #include <chrono>
@@ -17,10 +19,6 @@ namespace corvina
 namespace
 {
 
-/// The passes of a run, as TChessboard::m_nPass has them.
-constexpr std::uint8_t PASS_WITH_HEURISTICS = 1;
-constexpr std::uint8_t PASS_WITHOUT_HEURISTICS = 2;
-
 constexpr int MAX_ROOT_THREADS = 64;
 constexpr std::size_t MIN_THREAD_STACK = std::size_t{1} << 20;
 
@@ -30,15 +28,28 @@ constexpr std::size_t STACK_PER_PLY = 8192;
 /// What the root threads of a run share beside the request.
 struct TRun
 {
-    TRun(const TChessboard& root, std::vector<TMove> vecMoves)
-        : m_root(root), m_table(std::move(vecMoves))
+    TRun(const TChessboard& root, std::vector<TMove> vecMoves, int nThreads)
+        : m_root(root), m_nThreads(nThreads), m_table(std::move(vecMoves)),
+          m_passes(nThreads, root.m_pRequest->OnPassEnd)
     {
     }
 
     const TChessboard& m_root;
+    const int m_nThreads;
     TFirstMoveTable m_table;
+    TPassBook m_passes;
     std::atomic<bool> m_bFoundEnough{false}; ///< the mode asks for no more solutions
     std::atomic<std::uint64_t> m_nPositions{0};
+    std::array<std::uint64_t, 32> m_anCuts{}; ///< guarded by m_mutex
+
+    void AddCounts(const TThreadContext& context)
+    {
+        m_nPositions += context.m_nPositions;
+        const std::lock_guard guard(m_mutex);
+        for (std::size_t i = 0; i < m_anCuts.size(); ++i)
+            m_anCuts[i] += context.m_anCuts[i];
+    }
+
     std::mutex m_mutex;
     std::condition_variable m_ended;
     int m_nEnded = 0; ///< threads; guarded by m_mutex
@@ -53,63 +64,116 @@ public:
           m_context(run.m_root.m_nInitialMoves)
     {
         m_context.m_nThreadId = nThreadId;
-        m_context.m_pRootBoard = &m_board;
-        m_board.m_pThread = &m_context;
+        PutOnThread(m_board, m_context);
     }
 
     void Run()
     {
+        DescribePass();
         while (!m_run.m_bFoundEnough && !m_request.IsStopped(m_context.m_nThreadId)) {
             const auto pick = PickMove();
             if (!pick)
                 break;
             Decide(*pick);
         }
-        m_run.m_nPositions += m_context.m_nPositions;
+        m_run.m_passes.Leave(m_nRound);
+        m_run.AddCounts(m_context);
         ++m_request.m_nRunningThreads;
     }
 
 private:
-    /// The next move, after crossing into further passes as far as the round asks for it.
+    bool IsInLastPass() const { return m_board.m_nPass == PASS_WITHOUT_HEURISTICS; }
+
+    /// The next move, after crossing into further passes as far as its round asks for it. Nothing:
+    /// no move is left, or no further pass is wanted.
     std::optional<std::size_t> PickMove()
     {
-        bool bMayShare = true;
+        bool bMayShare = m_request.m_bShareMoves;
         while (const auto pick = m_run.m_table.Pick(m_nRound, bMayShare)) {
-            if (!pick->m_bNextRound)
-                return pick->m_nIndex;
-            if (EnterNextPass() || !pick->m_bShared)
-                return pick->m_nIndex;
+            if (!EnterRound(pick->m_nRound)) {
+                m_run.m_table.GiveBack(pick->m_nIndex);
+                return std::nullopt;
+            }
             // In the last pass a second thread at one move is no help.
+            if (!IsInLastPass() || !pick->m_bShared)
+                return pick->m_nIndex;
             m_run.m_table.GiveBack(pick->m_nIndex);
             bMayShare = false;
         }
         return std::nullopt;
     }
 
-    /// True when the heuristics have been relaxed; otherwise the last pass begins, or goes on.
-    bool EnterNextPass()
+    /// Crosses into the pass of a round. False when the run ends before it.
+    bool EnterRound(std::uint8_t nRound)
     {
-        ++m_nRound;
-        if (!m_request.m_bSolutionFound && TryRelaxSpecialHeuristics(m_board) != 0) {
-            m_board.m_nPass = PASS_WITH_HEURISTICS;
-            ++m_request.m_nPassCount;
-            return true;
+        while (m_nRound < nRound) {
+            if (m_request.m_bSolutionFound || (IsInLastPass() && m_run.m_root.m_nHeuristics == 0))
+                return false;
+            Relax();
+            if (IsInLastPass() && !m_context.m_bRunPass2)
+                return false;
+            m_run.m_passes.GoOn(m_nRound++);
         }
-        m_board.m_nPass = PASS_WITHOUT_HEURISTICS;
-        m_request.m_bPassWithoutHeuristics = true;
-        return false;
+        DescribePass();
+        return true;
+    }
+
+    /// Exchanges the set of the pass that ends for the next one; an empty set is that of the last
+    /// pass. What was doubtful under the old set is of no use under a weaker one.
+    void Relax()
+    {
+        auto& reg = m_request.m_TemporaryRegister;
+        const std::uint32_t nMask = m_board.m_nHeuristics;
+        const std::uint32_t nParams = m_board.m_nHeuristicsParams;
+        if (nMask)
+            reg.RemoveDoubtful(nMask, nParams);
+        const int nRelaxed = nMask ? TryRelaxSpecialHeuristics(m_board) : 0;
+        // Another thread may be refused this step, and goes on with the set.
+        if (nRelaxed < 0)
+            reg.KeepDoubtful(nMask, nParams);
+        if (!nRelaxed)
+            DropHeuristics(m_board);
+    }
+
+    /// Tells the name of the pass and its set, once the thread has a move to analyse in it.
+    void DescribePass()
+    {
+        if (m_nDescribed == m_nRound)
+            return;
+        m_nDescribed = m_nRound;
+        m_request.m_bPassWithoutHeuristics = m_request.m_bPassWithoutHeuristics || IsInLastPass();
+        const std::string strSet =
+            m_board.m_nHeuristics ? GetHeuristicsText(m_board, true) : std::string("none");
+        if (!m_run.m_passes.Describe(m_nRound, NameOfPass(!IsInLastPass(), m_context.m_nPassIndex),
+                                     strSet))
+            return;
+        const std::uint32_t nPass = ++m_request.m_nPassCount;
+        if (m_request.OnPassStart)
+            m_request.OnPassStart(nPass);
     }
 
     void Decide(std::size_t nIndex)
     {
         TMove move = m_run.m_table.Move(nIndex);
+        m_context.m_firstMove = move;
         TSearchResult nResult = Analyse(move);
         if (nResult != RESULT_MATE && IsGivenUp())
             nResult = TFirstMoveTable::NOT_ANALYSED;
-        else if (nResult < 0 && m_board.m_nPass == PASS_WITHOUT_HEURISTICS)
+        else if (nResult < 0 && IsInLastPass())
             nResult = RESULT_NO_MATE;
+        if (m_context.m_bSuspendResume) {
+            m_context.m_bSuspendResume = false;
+            m_request.ResumeThread(m_context.m_nThreadId);
+        }
         if (!m_run.m_table.Record(nIndex, nResult))
             return;
+        m_run.m_passes.CountDecision(m_nRound);
+        if (nResult == RESULT_MATE)
+            OnSolution(move);
+    }
+
+    void OnSolution(const TMove& move)
+    {
         AddSolution(m_request, move);
         if (m_request.m_bStopRelaxingAfterSolution)
             m_request.m_bSolutionFound = true;
@@ -123,10 +187,14 @@ private:
 
     TSearchResult Analyse(TMove move)
     {
+        if (RecedesFromBlackKing(m_board, move))
+            return RESULT_DOUBTFUL;
         TChessboard& child = m_context.MakeChild(m_board);
         if (!child.MakeWhiteMove(&move))
             return RESULT_NO_MATE;
         ++m_context.m_nPositions;
+        if (IsCutAfterWhiteMove(child))
+            return RESULT_DOUBTFUL;
         return m_request.m_bPlain ? PlainSearchBlack(child) : SearchBlack<NODE_MAIN>(child);
     }
 
@@ -135,6 +203,7 @@ private:
     TChessboard m_board; ///< the thread's own root
     TThreadContext m_context;
     std::uint8_t m_nRound = 0;
+    int m_nDescribed = -1; ///< the last round whose pass the thread has told
 };
 
 /// Makes the thread's objects, trying again while memory is short, and runs it.
@@ -146,8 +215,10 @@ void RunRootThread(TRun& run, std::uint16_t nThreadId)
             pThread = std::make_unique<TRootThread>(run, nThreadId);
         }
         catch (const std::bad_alloc&) {
-            if (run.m_root.m_pRequest->IsStopped(nThreadId))
+            if (run.m_root.m_pRequest->IsStopped(nThreadId)) {
+                run.m_passes.Leave(0);
                 break;
+            }
             std::this_thread::sleep_for(std::chrono::milliseconds(1));
         }
     }
@@ -171,8 +242,9 @@ void WaitForThreads(TRun& run, int nThreads)
     }
 }
 
-void RunThreads(TRun& run, int nThreads)
+void RunThreads(TRun& run)
 {
+    const int nThreads = run.m_nThreads;
     if (nThreads < 2 && !run.m_root.m_pRequest->OnSecond) {
         RunRootThread(run, 0);
         return;
@@ -190,8 +262,8 @@ void RunThreads(TRun& run, int nThreads)
 std::vector<TMove> FirstMoves(TChessboard& root)
 {
     TThreadContext context(root.m_nInitialMoves);
-    context.m_pRootBoard = &root;
-    root.m_pThread = &context;
+    PutOnThread(root, context);
+    root.m_pRequest->m_nPlannedPasses = PlannedPasses(root, context);
     TMoveList moves;
     const int nMoves = root.GenerateWhiteMoves(moves.data());
     const int nLegal = SortWhiteMovesCheap(root, moves.data(), nMoves);
@@ -205,6 +277,9 @@ void PrepareRegister(TSolveRequest& request)
     if (!request.m_bUseRegister || request.m_bPlain)
         return;
     auto& reg = request.m_TemporaryRegister;
+    reg.SetPosition(request.m_pChessboard->m_board);
+    if (request.m_bClearRegister)
+        reg.Clear(TAggregatedTemporaryChessboardRegister::CLEAR_EVERYTHING, true);
     TAggregatedTemporaryChessboardRegister::ResetSweepDepth();
     reg.SetBuckets(reg.GetBucketsForSolve(request.m_pChessboard->m_nInitialMoves), true);
 }
@@ -225,20 +300,18 @@ std::int8_t FindMate(TChessboard& root, std::vector<TMove>& vecResult)
     TSolveRequest& request = *root.m_pRequest;
     request.m_vecSolutions.clear();
     PrepareRegister(request);
-    // The heuristics are empty: there is nothing to relax.
-    root.m_nPass = root.m_nHeuristics == 0 ? PASS_WITHOUT_HEURISTICS : PASS_WITH_HEURISTICS;
-    request.m_bPassWithoutHeuristics = root.m_nPass == PASS_WITHOUT_HEURISTICS;
-    request.m_nPassCount = 1;
-    if (request.OnPassStart)
-        request.OnPassStart(request.m_nPassCount);
-
+    TakeUpHeuristics(root);
     request.m_vecFirstMoves = FirstMoves(root);
-    TRun run(root, request.m_vecFirstMoves);
+    TRun run(root, request.m_vecFirstMoves,
+             std::clamp<int>(request.m_nEffectiveThreads, 1, MAX_ROOT_THREADS));
     request.m_nFirstMovesTotal = static_cast<std::uint32_t>(run.m_table.Size());
-    RunThreads(run, std::clamp<int>(request.m_nEffectiveThreads, 1, MAX_ROOT_THREADS));
+    RunThreads(run);
 
     request.m_nPositions = run.m_nPositions;
-    request.m_bCutShort = !run.m_bFoundEnough && run.m_table.HasOpenMoves();
+    request.m_anCuts = run.m_anCuts;
+    const bool bOpen = !run.m_bFoundEnough && run.m_table.HasOpenMoves();
+    request.m_bCutShort = bOpen && request.IsStoppedForAll();
+    request.m_bDoubtful = bOpen && !request.m_bCutShort;
     SortSolutions(request.m_vecSolutions);
     vecResult = request.m_vecSolutions;
     if (request.OnSolutionFound)

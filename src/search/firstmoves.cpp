@@ -26,7 +26,7 @@ std::optional<TFirstMoveTable::TPick> TFirstMoveTable::Pick(std::uint8_t nRound,
     }
     if (!best)
         return std::nullopt;
-    const TPick pick{*best, m_vecRound[*best] > nRound, m_vecInProgress[*best] > 0};
+    const TPick pick{*best, m_vecRound[*best], m_vecInProgress[*best] > 0};
     ++m_vecRound[*best];
     ++m_vecInProgress[*best];
     return pick;
@@ -46,7 +46,7 @@ bool TFirstMoveTable::Record(std::size_t nIndex, TSearchResult nResult)
     if (m_vecResult[nIndex] >= 0)
         return false;
     m_vecResult[nIndex] = nResult;
-    return nResult == RESULT_MATE;
+    return nResult >= 0;
 }
 
 bool TFirstMoveTable::HasOpenMoves()

@@ -25,8 +25,8 @@ public:
     struct TPick
     {
         std::size_t m_nIndex;
-        bool m_bNextRound; ///< all open moves of the asked round are taken
-        bool m_bShared;    ///< another thread is working on it
+        std::uint8_t m_nRound; ///< above the asked one: all open moves of that are taken
+        bool m_bShared;        ///< another thread is working on it
     };
 
     /// Takes the open move of the smallest round that is at least nRound, and counts the caller to
@@ -36,8 +36,8 @@ public:
     /// Takes a pick back.
     void GiveBack(std::size_t nIndex);
 
-    /// Records the outcome of a pick; the first certain one stands. True when this call made it a
-    /// mate.
+    /// Records the outcome of a pick; the first certain one stands. True when this call decided the
+    /// move.
     bool Record(std::size_t nIndex, TSearchResult nResult);
 
     const TMove& Move(std::size_t nIndex) const { return m_vecFirstMoves[nIndex]; }

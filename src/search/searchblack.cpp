@@ -66,6 +66,7 @@ private:
     {
         m_request.m_vecDefences.clear();
         m_request.m_vecDefenceRecords.clear();
+        bool bDoubtful = false;
         for (int i = 0; i < nMoves; ++i) {
             const auto start = std::chrono::steady_clock::now();
             const std::uint64_t nPositions = m_context.m_nPositions;
@@ -77,13 +78,18 @@ private:
             record.m_nPositions = m_context.m_nPositions - nPositions;
             record.m_nMilliseconds = static_cast<std::uint32_t>(
                 (std::chrono::steady_clock::now() - start) / std::chrono::milliseconds(1));
-            record.m_bRepetition = nResult == RESULT_REPETITION;
-            record.m_bRefutes = nResult != RESULT_MATE && !record.m_bRepetition;
+            const bool bCertain =
+                nResult >= RESULT_NO_MATE || m_board.m_nPass > 1 || m_board.m_nHeuristics == 0;
+            bDoubtful |= !bCertain;
+            record.m_bRepetition = nResult <= RESULT_REPETITION;
+            record.m_bRefutes = bCertain && nResult != RESULT_MATE && !record.m_bRepetition;
             m_request.m_vecDefenceRecords.push_back(record);
-            if (nResult != RESULT_MATE)
+            if (bCertain && nResult != RESULT_MATE)
                 NoteDefence(pMoves[i]);
         }
-        return m_request.m_vecDefences.empty() ? RESULT_MATE : RESULT_NO_MATE;
+        if (!m_request.m_vecDefences.empty())
+            return RESULT_NO_MATE;
+        return bDoubtful ? RESULT_DOUBTFUL : RESULT_MATE;
     }
 
     void NoteDefence(const TMove& move)
@@ -102,7 +108,7 @@ private:
             return RESULT_MATE;
         m_bHasReply = true;
         ++m_context.m_nPositions;
-        if (child.m_nPass == 1 && child.m_nHeuristics != 0 && IsBlackMoveDoubtful(child, &move) > 0)
+        if (child.m_nPass == 1 && child.m_nHeuristics != 0 && IsCut(child, move))
             return RESULT_DOUBTFUL;
         if (!m_bProbed && UsesRegister(child)) {
             if (const auto known = ProbeRegister(child))
@@ -113,6 +119,18 @@ private:
         m_context.m_bSkipEqualPromotions = false;
         constexpr int CHILD_KIND = nKind == NODE_MAIN ? NODE_MAIN : NODE_DEFENCE_DEEPER;
         return bQuick ? RESULT_MATE : SearchWhite<CHILD_KIND>(child, false);
+    }
+
+    /// The reply breaks a heuristic. A mark that the hook has put on the move goes with the child.
+    bool IsCut(TChessboard& child, TMove& move)
+    {
+        if (IsBlackMoveDoubtful(child, &move) > 0)
+            return true;
+        if (move.m_promotion & TMove::MARK) {
+            child.m_boardFlags |= TChessboard::FLAG_EDGECHECKDEFERRED;
+            child.m_nHeuristicsParams = ComputeHeurParams(child);
+        }
+        return false;
     }
 
     TSearchResult ResultOfRefutation(TSearchResult nResult)

@@ -1,3 +1,4 @@
+#include "search/fallback.h"
 #include "search/hooks.h"
 #include "search/line.h"
 #include "search/nodes.h"
@@ -5,9 +6,11 @@
 #include "search/registeraccess.h"
 #include "search/shortmate.h"
 #include "search/solverequest.h"
+#include "search/whitecuts.h"
 
 #include <algorithm>
 #include <optional>
+#include <thread>
 
 namespace corvina
 {
@@ -45,7 +48,8 @@ public:
         }
         if (m_nDepth == 1)
             return IsMateInOne(m_board) ? RESULT_MATE : RESULT_NO_MATE;
-        ReportProgress();
+        if (!ReportProgress())
+            return RESULT_NO_MATE;
         m_anRepeat[m_nDepth + 1] = 0;
         const TSearchResult nResult = SearchMoves();
         return nResult == RESULT_MATE ? OnMate() : nResult;
@@ -54,14 +58,31 @@ public:
 private:
     bool IsStopped() const { return m_request.IsStopped(m_context.m_nThreadId); }
 
-    /// At depths far enough apart that the callback costs nothing.
-    void ReportProgress() const
+    /// At depths far enough apart that it costs nothing. False when the thread is to give up its
+    /// first move: another one has proved it.
+    bool ReportProgress()
     {
         const int nPlayed = m_board.m_nInitialMoves - m_nDepth;
-        if (m_nDepth % PROGRESS_PERIOD == PROGRESS_DEPTH &&
-            (m_nDepth == PROGRESS_DEPTH || nPlayed >= PROGRESS_DEPTH) &&
-            m_request.OnPositionAnalysed)
+        if (m_nDepth % PROGRESS_PERIOD != PROGRESS_DEPTH ||
+            (m_nDepth != PROGRESS_DEPTH && nPlayed < PROGRESS_DEPTH))
+            return true;
+        if (m_request.OnPositionAnalysed)
             m_request.OnPositionAnalysed(m_board);
+        if (!m_request.m_pFoundSolutions ||
+            !m_request.m_pFoundSolutions->Contains(m_context.m_firstMove))
+            return true;
+        GiveUpFirstMove();
+        return false;
+    }
+
+    /// Stops this thread, unless it is to stop for another reason. It lifts that when it has come
+    /// back to the first moves.
+    void GiveUpFirstMove()
+    {
+        while (!IsStopped() && m_context.m_nSuspended <= 1 && !m_context.m_bSuspendResume) {
+            m_context.m_bSuspendResume = m_request.StopThread(m_context.m_nThreadId);
+            std::this_thread::yield(); // another thread may be on its way back
+        }
     }
 
     /// The tables' answer is exact; a mate that is too long may still fit a short mate search with
@@ -111,6 +132,8 @@ private:
     /// One move of the list; a move that is illegal or ends in a repetition is no mate.
     TSearchResult TryMove(TMove& move)
     {
+        if (RecedesFromBlackKing(m_board, move))
+            return RESULT_DOUBTFUL;
         TChessboard& child = m_context.MakeChild(m_board);
         if (!child.MakeWhiteMove(&move))
             return RESULT_NO_MATE;
@@ -119,8 +142,13 @@ private:
             m_anRepeat[m_nDepth] = nEarlier;
             return RESULT_REPETITION;
         }
-        if (m_board.m_nPass == 1 && m_board.m_nHeuristics != 0 && IsWhiteMoveDoubtful(child))
+        if (IsCutAfterWhiteMove(child))
             return RESULT_DOUBTFUL;
+        if (MayFallBack(child)) {
+            const TStricterSet stricter(child);
+            if (SearchBlack<nKind>(child) == RESULT_MATE)
+                return RESULT_MATE;
+        }
         return SearchBlack<nKind>(child);
     }
 
@@ -234,8 +262,7 @@ private:
 template <int nKind>
 TSearchResult SearchWhite(TChessboard& board, bool bProbeRegister)
 {
-    if (board.m_nMoves == 3 && board.m_nHeuristics == 0 &&
-        !(board.m_nPositionFlags & TChessboard::POSITION_GLOBALREGISTER))
+    if (board.m_nMoves == 3 && !(board.m_nPositionFlags & TChessboard::POSITION_GLOBALREGISTER))
         return IsMateInTwo(board, bProbeRegister) ? RESULT_MATE : RESULT_NO_MATE;
     return TWhiteNode<nKind>(board).Search(bProbeRegister);
 }

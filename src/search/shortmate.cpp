@@ -301,7 +301,9 @@ bool IsMateInTwo(TChessboard& board, bool bProbeRegister)
     const TDepthGuard guard(board, 3);
     const bool bRegister = UsesRegister(board);
     if (bRegister && bProbeRegister) {
-        if (const auto known = ProbeRegister(board))
+        // A doubt is no answer: the search is exact here, and soon done.
+        const auto known = ProbeRegister(board);
+        if (known && *known != RESULT_DOUBTFUL)
             return *known > 0;
     }
     const bool bMate = AnyMoveMates(

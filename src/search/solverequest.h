@@ -5,6 +5,7 @@
 #include "registers/aggregatedregister.h"
 #include "registers/registerhost.h"
 #include "search/foundsolutions.h"
+#include "search/passbook.h"
 #include "search/stopblock.h"
 #include "search/threadcontext.h"
 
@@ -80,9 +81,12 @@ struct TSolveRequest : TProblem, TStopBlock, TRegisterHost
     bool m_bUseRegister = true;
     /// Tasks with fewer half-moves are solved faster than their positions are looked up.
     std::uint16_t m_nMinRegisterPlies = 10;
-    bool m_bPlain = false;                    ///< by the plain recursion
-    bool m_bCutShort = false;                 ///< a stop left first moves undecided
-    std::uint64_t m_nPositions = 0;           ///< legal moves made in the last run
+    bool m_bPlain = false;          ///< by the plain recursion
+    bool m_bCutShort = false;       ///< a stop left first moves undecided
+    bool m_bDoubtful = false;       ///< the last pass that was wanted left first moves undecided
+    bool m_bClearRegister = false;  ///< what earlier runs have learnt is forgotten at the start
+    bool m_bShareMoves = true;      ///< two threads may analyse one first move
+    std::uint64_t m_nPositions = 0; ///< legal moves made in the last run
     std::array<std::uint64_t, 32> m_anCuts{}; ///< lines cut in the last run, by heuristic
 
     bool m_bRegisterConfirm = false; ///< hits under heuristics count only for the exact setting
@@ -107,6 +111,9 @@ struct TSolveRequest : TProblem, TStopBlock, TRegisterHost
 
     /// Called when a pass begins; its number from 1.
     std::function<void(std::uint32_t nPass)> OnPassStart;
+
+    /// Called for each pass as it ends, one at a time.
+    std::function<void(const TPassReport& report)> OnPassEnd;
 
     /// Sets the stipulation and all that follows it: a mate in nMoves moves, clamped to 1 to
     /// MAX_MATE.

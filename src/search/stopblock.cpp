@@ -14,6 +14,25 @@ void TStopBlock::SetStopState(std::uint8_t nState, std::uint16_t nThread)
     m_nStopState = nState;
 }
 
+bool TStopBlock::StopThread(std::uint16_t nThread)
+{
+    const std::lock_guard guard(m_bStopLock);
+    if (m_nStopState != RUN)
+        return false;
+    m_nStopThread = nThread;
+    m_nStopState = STOP;
+    return true;
+}
+
+void TStopBlock::ResumeThread(std::uint16_t nThread)
+{
+    const std::lock_guard guard(m_bStopLock);
+    if (m_nStopState != STOP || m_nStopThread != nThread)
+        return;
+    m_nStopState = RUN;
+    m_nStopThread = ALL_THREADS;
+}
+
 void TStopBlock::ClearStopState()
 {
     const std::lock_guard guard(m_bStopLock);

@@ -28,6 +28,12 @@ struct TStopBlock
     /// Any thread may call it.
     void SetStopState(std::uint8_t nState, std::uint16_t nThread);
 
+    /// Stops one thread, unless a stop is in force already: false then.
+    bool StopThread(std::uint16_t nThread);
+
+    /// Lifts a stop of that thread alone, with which it has complied.
+    void ResumeThread(std::uint16_t nThread);
+
     /// At the start of a run.
     void ClearStopState();
 

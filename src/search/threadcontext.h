@@ -71,6 +71,8 @@ public:
     /// each of the four.
     bool m_bSkipEqualPromotions = false;
 
+    TMove m_firstMove{};           ///< the first move that the thread analyses
+    bool m_bSuspendResume = false; ///< the thread has stopped itself and lifts that
     std::uint8_t m_nSuspended = 0; ///< 0: active, 1: held by the scheduler, 2 and more: abandon
     std::uint16_t m_nDefenceDepth = 65535; ///< depth of the node whose replies are all walked
 

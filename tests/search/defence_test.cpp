@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <bit>
+
 namespace corvina
 {
 namespace
@@ -54,6 +56,38 @@ TEST(Defence, RepliesRankByTheLengthOfTheMate)
     EXPECT_EQ(outcome.m_vecRanked[0].m_nMatedIn, 3);
     EXPECT_EQ(outcome.m_vecRanked[1].m_nMatedIn, 1);
     EXPECT_FALSE(outcome.m_vecRanked[0].m_bRefutes);
+}
+
+TEST(Defence, ASolvedPositionNeedsNoSearch)
+{
+    TSolveRequest request;
+    ASSERT_TRUE(ReadFen(*request.m_pChessboard, "4k3/8/4K3/8/8/8/8/R7"));
+    request.m_nRequestedMoves = 12;
+    const TMove reply = {60, 61, 0, 0};
+    const auto nMove = std::bit_cast<std::uint32_t>(reply);
+    request.m_TemporaryRegister.InsertDefence(12, request.m_pChessboard->m_board, false, &nMove,
+                                              false);
+    const TDefenceOutcome outcome = FindBestDefence(request, false);
+    EXPECT_TRUE(outcome.m_bMateFollows);
+    EXPECT_EQ(outcome.m_strText,
+              "Not found any defence against mate. The best looks: Ke8-f8 (from register)");
+}
+
+TEST(Defence, RepetitionsAreTold)
+{
+    TSolveRequest request;
+    ASSERT_TRUE(ReadFen(*request.m_pChessboard, "4k3/8/4K3/8/8/8/8/R7"));
+    request.SetMateIn(6);
+    for (const TMove move :
+         {TMove{0, 8, 0, 0}, {60, 59, 0, 0}, {8, 0, 0, 0}, {59, 60, 0, 0}, {0, 8, 0, 0}})
+        request.PlayMove(move);
+    EXPECT_EQ(FindBestDefence(request, false).m_strText.substr(0, 37),
+              "Program detected position repetition\n");
+
+    // Black can only go to and fro.
+    const TDefenceOutcome outcome = Defend("7k/5p1p/5P1P/8/1B6/8/8/K7", 9, true);
+    EXPECT_FALSE(outcome.m_bMateFollows);
+    EXPECT_TRUE(outcome.m_bRepetition);
 }
 
 TEST(Defence, RefusesWhatIsNoTask)

@@ -106,6 +106,11 @@ TEST(Nodes, EveryWayFindsTheSolutionsOfThePlainRecursion)
             ExpectTheSameFromEveryWay(RandomPosition(random, nFigures), batch.m_nMate);
         }
     }
+    constexpr int aComposed[] = {0, 400, 1200, 300, 40}; // by the length of the mate
+    for (int nMate = 1; nMate <= 4; ++nMate) {
+        for (int i = 0; i < aComposed[nMate]; ++i)
+            ExpectTheSameFromEveryWay(ComposedPosition(random), nMate);
+    }
 }
 
 TEST(Nodes, AnswersOfTheDataFolder)

@@ -51,10 +51,15 @@ TSquare RandomEmptySquare(const TChessboard& board, std::mt19937& random, bool b
     }
 }
 
+bool Has(const TChessboard& board, TFigure figure)
+{
+    return std::find(std::begin(board.m_board), std::end(board.m_board), figure) !=
+           std::end(board.m_board);
+}
+
 void PutKing(TChessboard& board, TFigure king, std::mt19937& random)
 {
-    if (std::find(std::begin(board.m_board), std::end(board.m_board), king) ==
-        std::end(board.m_board))
+    if (!Has(board, king))
         board.m_board[RandomEmptySquare(board, random, false)] = king;
 }
 
@@ -76,6 +81,92 @@ TChessboard TryPosition(std::mt19937& random, int nFigures)
         board.m_board[RandomEmptySquare(board, random, kind == KIND_PAWN)] = colour | kind;
     }
     return board;
+}
+
+void PutIfEmpty(TChessboard& board, int file, int row, TFigure figure)
+{
+    const bool bPawn = (figure & KIND_MASK) == KIND_PAWN;
+    if (file < 0 || file > 7 || row < 0 || row > 7 || (bPawn && (row == 0 || row == 7)))
+        return;
+    if (board.m_board[8 * row + file] == NO_FIGURE)
+        board.m_board[8 * row + file] = figure;
+}
+
+void PutNear(TChessboard& board, std::mt19937& random, int file, int row, int nReach,
+             TFigure figure)
+{
+    const int nSpan = 2 * nReach + 1;
+    const int x = file - nReach + static_cast<int>(random() % nSpan);
+    const int y = row - nReach + static_cast<int>(random() % nSpan);
+    PutIfEmpty(board, x, y, figure);
+}
+
+/// Pawns that block each other, a row of them for each side.
+void PutPawnPairs(TChessboard& board, std::mt19937& random)
+{
+    for (int file = 0; file < 8; ++file) {
+        const int row = 1 + static_cast<int>(random() % 5);
+        if (random() % 3 == 0 && board.m_board[8 * row + file] == NO_FIGURE) {
+            board.m_board[8 * row + file] = COLOUR_WHITE | KIND_PAWN;
+            PutIfEmpty(board, file, row + 1, COLOUR_BLACK | KIND_PAWN);
+        }
+    }
+}
+
+/// Pawns one step from promotion, or from where a capture en passant can happen.
+void PutPawnsAtWork(TChessboard& board, std::mt19937& random)
+{
+    for (const auto& [row, figure] : {std::pair{6, WHITE_PAWN},
+                                      {4, WHITE_PAWN},
+                                      {1, WHITE_PAWN},
+                                      {6, BLACK_PAWN},
+                                      {3, BLACK_PAWN},
+                                      {1, BLACK_PAWN}})
+    {
+        if (random() % 2)
+            PutIfEmpty(board, static_cast<int>(random() % 8), row, figure);
+    }
+}
+
+TChessboard TryComposedPosition(std::mt19937& random)
+{
+    constexpr TFigure aWhite[] = {WHITE_QUEEN, WHITE_ROOK, WHITE_ROOK, WHITE_BISHOP, WHITE_KNIGHT};
+    constexpr TFigure aBlack[] = {BLACK_PAWN, BLACK_PAWN,   BLACK_KNIGHT,
+                                  BLACK_ROOK, BLACK_BISHOP, BLACK_PAWN};
+    TChessboard board;
+    const unsigned nKind = random() % 4;
+    if (nKind == 0)
+        PutCastlingFigures(board, random);
+    int file = static_cast<int>(random() % 8), row = static_cast<int>(random() % 8);
+    if (nKind != 3)
+        (random() % 2 ? file : row) = random() % 2 ? 0 : 7;
+    if (Has(board, BLACK_KING))
+        file = 4, row = 7;
+    PutIfEmpty(board, file, row, BLACK_KING);
+    const unsigned nGuards = random() % 5;
+    for (unsigned i = 0; i < nGuards; ++i)
+        PutNear(board, random, file, row, 1, aBlack[random() % 6]);
+    if (nKind == 1)
+        PutPawnPairs(board, random);
+    if (nKind != 1 || random() % 3 == 0)
+        PutPawnsAtWork(board, random);
+    if (!Has(board, WHITE_KING))
+        PutNear(board, random, file, row, 3, WHITE_KING);
+    const unsigned nMating = 1 + random() % 3;
+    for (unsigned i = 0; i < nMating; ++i)
+        PutNear(board, random, file, row, 4, aWhite[random() % 5]);
+    return board;
+}
+
+/// The first attempt that is a position of the game with White to move.
+template <class TMake>
+TChessboard FirstSound(TMake make)
+{
+    for (;;) {
+        TChessboard board = make();
+        if (board.RescanBoard(true) && board.m_blackChecker == NO_CHECK)
+            return board;
+    }
 }
 
 } // namespace
@@ -115,11 +206,12 @@ std::vector<TAnsweredTask> ReadAnsweredTasks(const std::string& strFile)
 
 TChessboard RandomPosition(std::mt19937& random, int nFigures)
 {
-    for (;;) {
-        TChessboard board = TryPosition(random, nFigures);
-        if (board.RescanBoard(true) && board.m_blackChecker == NO_CHECK)
-            return board;
-    }
+    return FirstSound([&] { return TryPosition(random, nFigures); });
+}
+
+TChessboard ComposedPosition(std::mt19937& random)
+{
+    return FirstSound([&] { return TryComposedPosition(random); });
 }
 
 } // namespace corvina

@@ -30,6 +30,11 @@ std::vector<TAnsweredTask> ReadAnsweredTasks(const std::string& strFile);
 /// castling figures often where they matter. Every system makes the same one of a seed.
 TChessboard RandomPosition(std::mt19937& random, int nFigures);
 
+/// A random position of the kinds that problems are made of, White with the mating force: the Black
+/// king behind his own men or shut in on the edge, castling, pawns about to promote or to capture
+/// en passant, a Black side with hardly a move.
+TChessboard ComposedPosition(std::mt19937& random);
+
 } // namespace corvina
 
 #endif

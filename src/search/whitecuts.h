@@ -1,0 +1,43 @@
+#ifndef CORVINA_SEARCH_WHITECUTS_H
+#define CORVINA_SEARCH_WHITECUTS_H
+
+#include "chess/geometry.h"
+#include "heuristics/heuristicbits.h"
+#include "search/hooks.h"
+#include "search/threadcontext.h"
+
+#include <bit>
+
+namespace corvina
+{
+
+/// The cuts of White's moves, for the first moves and for those of the nodes. A move that is cut is
+/// doubtful.
+
+/// With SH_DONTRECEDEBLACKKING: a move of the White king, no capture, that takes it farther from
+/// the Black king.
+inline bool RecedesFromBlackKing(const TChessboard& board, const TMove& move)
+{
+    if (!(board.m_nHeuristics & SH_DONTRECEDEBLACKKING) || board.m_nPass != 1)
+        return false;
+    if (board.m_board[move.m_from] != WHITE_KING || board.m_board[move.m_to] != NO_FIGURE)
+        return false;
+    const TSquare king = board.BlackKing();
+    if (Distance(move.m_to, king) <= Distance(move.m_from, king))
+        return false;
+    TThreadContext& context = ContextOf(board);
+    context.m_nDoubtReason = SH_DONTRECEDEBLACKKING;
+    ++context.m_anCuts[std::countr_zero(SH_DONTRECEDEBLACKKING)];
+    return true;
+}
+
+/// The hook of White's moves, on the position after the move.
+inline bool IsCutAfterWhiteMove(TChessboard& child)
+{
+    return (child.m_nHeuristics & WHITE_HOOK_MASK) && child.m_nPass == 1 &&
+           IsWhiteMoveDoubtful(child);
+}
+
+} // namespace corvina
+
+#endif
