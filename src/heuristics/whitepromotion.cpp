@@ -1,0 +1,92 @@
+#include "heuristics/attacksets.h"
+#include "heuristics/kingsurroundings.h"
+
+namespace corvina
+{
+namespace
+{
+
+using W = TSide<EColour::White>;
+
+constexpr int SEVENTH_ROW = W::LAST_ROW - 1;
+constexpr int SIXTH_ROW = W::LAST_ROW - 2;
+
+/// Half-moves that the trial position is given: enough for every line that is tried.
+constexpr std::uint16_t TRIAL_PLIES = 9;
+
+bool GetsThroughNow(TChessboard& board, TSquare pawn);
+
+/// The pawn gets through whatever Black plays. Stalemate saves Black, mate doesn't.
+bool GetsThroughAfterAnyReply(TChessboard& board, TSquare pawn)
+{
+    TMoveList moves;
+    const int nMoves = board.GenerateBlackMoves(moves.data());
+    bool bHasReply = board.m_blackChecker != NO_CHECK;
+    for (int i = 0; i < nMoves; ++i) {
+        TChessboard child = board;
+        child.m_pParent = &board;
+        if (!child.MakeBlackMove(&moves[i]))
+            continue;
+        bHasReply = true;
+        if (!GetsThroughNow(child, pawn))
+            return false;
+    }
+    return bHasReply;
+}
+
+/// Is the move of the pawn one that the test follows? Promotions to a queen stand for all, and a
+/// pawn that is not yet on the sixth row can only get there at once by a capture en passant.
+bool IsTried(const TChessboard& board, const TMove& move)
+{
+    if (move.PromotionKind() && move.PromotionKind() != KIND_QUEEN)
+        return false;
+    return RowOf(move.m_from) >= SIXTH_ROW ||
+           (FileOf(move.m_from) != FileOf(move.m_to) && board.m_board[move.m_to] == NO_FIGURE);
+}
+
+/// White, to move, brings the pawn to its promotion: one step, or two with any reply between, and
+/// Black can't take it where it arrives.
+bool GetsThroughNow(TChessboard& board, TSquare pawn)
+{
+    TMove aMoves[16 + MOVE_LIST_SLACK];
+    const int nMoves = board.GenerateWhitePawnMoves(static_cast<std::int8_t>(FileOf(pawn)),
+                                                    static_cast<std::int8_t>(RowOf(pawn)), aMoves);
+    for (int i = 0; i < nMoves; ++i) {
+        if (!IsTried(board, aMoves[i]))
+            continue;
+        TChessboard child = board;
+        child.m_pParent = &board;
+        if (!child.MakeWhiteMove(&aMoves[i]) || CanCapture<EColour::Black>(child, aMoves[i].m_to))
+            continue;
+        if (aMoves[i].PromotionKind() || GetsThroughAfterAnyReply(child, aMoves[i].m_to))
+            return true;
+    }
+    return false;
+}
+
+} // namespace
+
+bool WhitePawnCanPromote(const TChessboard& board)
+{
+    if (!board.m_nWhitePawns)
+        return false;
+    TSquareSet pawns = TSets::Equal(board.m_board, W::PAWN) & ~TSquareSet{0}
+                                                                  << 8 * W::EN_PASSANT_ROW;
+    if (!pawns)
+        return false;
+    // Without a thread making a move leaves no notes.
+    TChessboard trial = board;
+    trial.m_pThread = nullptr;
+    trial.m_moveFilter = 0;
+    trial.m_nMoves = TRIAL_PLIES;
+    const TSquareSet seventh = pawns & TSquareSet{0xFF} << 8 * SEVENTH_ROW;
+    for (TSquareSet set : {seventh, pawns & ~seventh}) {
+        while (set) {
+            if (GetsThroughNow(trial, PopLowestSquare(set)))
+                return true;
+        }
+    }
+    return false;
+}
+
+} // namespace corvina
