@@ -4,6 +4,7 @@
 #include "search/nodes.h"
 #include "search/ordering.h"
 #include "search/registeraccess.h"
+#include "search/shortmatedepth.h"
 #include "search/solverequest.h"
 
 #include <algorithm>
@@ -169,30 +170,6 @@ bool AnyMoveMates(TChessboard& board, TTest test)
     return false;
 }
 
-/// Half-moves of the longest short mate: one of seven moves.
-constexpr int MAX_QUICKER_MATE = 13;
-
-/// White's queens are so many that a short mate is found early or not at all.
-constexpr int MANY_QUEENS = 3;
-constexpr int MAX_FIGURES_WITH_MANY_QUEENS = 15;
-constexpr int MAX_QUICKER_MATE_WITH_MANY_QUEENS = 9;
-
-/// Half-moves of the longest mate that the short mate search looks for at the position.
-int ChooseQuickerMateDepth(const TChessboard& board)
-{
-    const int nRequested = board.m_pRequest->m_shLookForQuickerMateDepth;
-    if (nRequested >= 0)
-        return nRequested;
-    const int d = board.m_nMoves;
-    int nMax = std::min(d - 1, MAX_QUICKER_MATE);
-    if (board.m_nWhiteQueens >= MANY_QUEENS &&
-        std::popcount(TSets::Occupied(board.m_board)) <= MAX_FIGURES_WITH_MANY_QUEENS)
-        nMax = std::min(nMax, MAX_QUICKER_MATE_WITH_MANY_QUEENS);
-    if (nMax >= MAX_QUICKER_MATE && d - nMax <= 4 && board.m_nWhiteQueens)
-        nMax -= 2;
-    return nMax;
-}
-
 /// The iteration is so close to its end that hits beyond it may count.
 constexpr int ADDITIONAL_MOVES_LEAD = 6;
 constexpr int MIN_PLIES_FOR_ADDITIONAL_MOVES = 14;
@@ -276,18 +253,6 @@ private:
     const int m_nDepth;
     const std::uint16_t m_shSaved;
 };
-
-/// The depth by which the last pass looks for a short mate; 0: it doesn't, -1: by the free choice.
-int PickQuickerMateDepth(const TChessboard& board)
-{
-    const int nRequested = board.m_pRequest->m_shLookForQuickerMateDepth;
-    const int d = board.m_nMoves;
-    if (nRequested > 3 || d >= 14)
-        return nRequested;
-    if (d <= 3)
-        return 0;
-    return d >= 7 ? 3 : 1;
-}
 
 } // namespace
 
