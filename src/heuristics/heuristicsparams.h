@@ -128,6 +128,8 @@ struct THeuristicsParams
     std::uint8_t m_nRootBlackMajors = 0;     ///< queens and rooks
     std::uint8_t m_nRootWhiteMajors = 0;
     std::uint8_t m_nRootWhiteMinors = 0; ///< bishops and knights
+
+    bool operator==(const THeuristicsParams&) const = default;
 };
 
 } // namespace corvina
