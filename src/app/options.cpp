@@ -1,5 +1,6 @@
 #include "app/options.h"
 
+#include "heuristics/relaxlog.h"
 #include "platform/appfolder.h"
 #include "platform/encoding.h"
 #include "platform/machine.h"
@@ -347,6 +348,7 @@ TRunSettings ApplyOptions(const TOptions& options, TSolveRequest& request)
     if (nTotalBytes != 0)
         request.m_TemporaryRegister.SetMemoryLimitMB(
             ComputeMemoryLimits(options, nTotalBytes).m_nTemporaryMB);
+    SetRelaxationLog(options.m_bTryRelaxSpecialHeuristicsLog);
     TRunSettings settings;
     settings.m_bQuickMode = options.m_bQuickMode;
     return settings;

@@ -63,8 +63,8 @@ void FoldUnblockList(TFold& fold, const THeuristicsParams& p)
 void FoldEdgeRelaxation(TFold& fold, const TChessboard& board, const THeuristicsParams& p)
 {
     const bool bDeferred = HasFlag(board, TChessboard::FLAG_EDGECHECKDEFERRED);
-    fold.Add(p.m_nEdgeRelaxCaptures, p.m_bEdgeRelaxCountPawns, p.m_bEdgeRelaxExtOnly,
-             p.m_bEdgeRelaxOnPawn, p.m_bSkipDeferIfNoChange, p.m_bAutoEdgeRelax, bDeferred);
+    fold.Add(p.m_nEdgeRelaxCaptures, p.m_bEdgeRelaxCountPawns, p.m_bEdgeRelaxOnPawn,
+             p.m_bSkipDeferIfNoChange, p.m_bAutoEdgeRelax, bDeferred);
     fold.AddWide(p.m_nDeferMoves);
     fold.AddWide(bDeferred ? p.m_nDeferDeadline : std::uint16_t{0});
 }
@@ -83,7 +83,7 @@ void FoldHeuristic(TFold& fold, std::uint32_t nHeuristic, const TChessboard& boa
     switch (nHeuristic) {
     case SH_KEEPKINGONTHEEDGE:
         fold.Add(p.m_bKingMustNotMove && !HasFlag(board, TChessboard::FLAG_EDGERELAXED),
-                 p.m_bKingMoveExceptions, p.m_bInclCorner);
+                 p.m_bKingMoveExceptions, p.m_bInclCorner, p.m_bEdgeRelaxExtOnly);
         FoldEdgeRelaxation(fold, board, p);
         break;
     case SH_ONECOLORPLAYPOSSIBLE:

@@ -27,6 +27,7 @@ void TakeUpHeuristics(TChessboard& root)
     root.m_nPass = root.m_nHeuristics == 0 ? PASS_WITHOUT_HEURISTICS : PASS_WITH_HEURISTICS;
     request.m_bPassWithoutHeuristics = false;
     request.m_nPassCount = 0;
+    request.m_passEndTick.Clear();
 }
 
 void PutOnThread(TChessboard& root, TThreadContext& context)

@@ -6,6 +6,7 @@
 #include "registers/registerhost.h"
 #include "search/foundsolutions.h"
 #include "search/passbook.h"
+#include "search/passendticks.h"
 #include "search/stopblock.h"
 #include "search/threadcontext.h"
 
@@ -65,7 +66,7 @@ struct TSolveRequest : TProblem, TStopBlock, TRegisterHost
     std::uint8_t m_nSearchMode = 0; ///< SEARCH_...
     std::int32_t m_nThreadPriority = 0;
     std::uint32_t m_nRequiredHeuristics = 0;
-    bool m_bSafeMode = false;
+    std::atomic<bool> m_bSafeMode{false}; ///< a relaxation of any thread may turn it on
 
     // The set of heuristics that the run begins with.
     std::uint32_t m_nHeuristics = 0;
@@ -76,6 +77,7 @@ struct TSolveRequest : TProblem, TStopBlock, TRegisterHost
     std::uint8_t m_nRootBlackFigures = 0, m_nRootBlackPawns = 0;
 
     std::chrono::steady_clock::time_point m_tStart;             ///< of the run
+    TPassEndTicks m_passEndTick;                                ///< of the run's passes
     std::chrono::steady_clock::time_point m_tFirstMoveStart;    ///< of the search proper
     TAggregatedTemporaryChessboardRegister m_TemporaryRegister; ///< what the runs have learnt
     bool m_bUseRegister = true;
@@ -114,6 +116,9 @@ struct TSolveRequest : TProblem, TStopBlock, TRegisterHost
 
     /// Called for each pass as it ends, one at a time.
     std::function<void(const TPassReport& report)> OnPassEnd;
+
+    /// Called with a line for the log of the run, from any of its threads.
+    std::function<void(const std::string& strLine)> OnLogLine;
 
     /// Sets the stipulation and all that follows it: a mate in nMoves moves, clamped to 1 to
     /// MAX_MATE.
