@@ -1,6 +1,7 @@
 #include "app/options.h"
 
 #include "heuristics/relaxlog.h"
+#include "heuristics/setreader.h"
 #include "platform/appfolder.h"
 #include "platform/encoding.h"
 #include "platform/machine.h"
@@ -349,6 +350,10 @@ TRunSettings ApplyOptions(const TOptions& options, TSolveRequest& request)
         request.m_TemporaryRegister.SetMemoryLimitMB(
             ComputeMemoryLimits(options, nTotalBytes).m_nTemporaryMB);
     SetRelaxationLog(options.m_bTryRelaxSpecialHeuristicsLog);
+    request.m_bClearRegister = options.m_bClearRegisterOnStartSolving;
+    request.m_bShareMoves = options.m_bLetAnalyzeTheSameMoveInTwoThreads;
+    ApplyHeuristicOptions(request.m_mapHeuristicOptions, request.m_heuristicSet,
+                          request.m_pChessboard.get());
     TRunSettings settings;
     settings.m_bQuickMode = options.m_bQuickMode;
     return settings;

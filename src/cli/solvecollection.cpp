@@ -35,7 +35,7 @@ EVerdict Compare(const TSolveRequest& request, const TSolveOutcome& outcome)
     const std::vector<TMove>& vecAnswer = request.m_vecExpectedSolutions;
     if (!IsSubset(outcome.m_vecSolutions, vecAnswer))
         return EVerdict::Differs;
-    if (outcome.m_bStopped)
+    if (outcome.m_bStopped || outcome.m_bDoubtful)
         return EVerdict::NoAnswer;
     const bool bEnded = !outcome.m_vecSolutions.empty() &&
                         ((request.m_nSearchMode & SEARCH_FIRST) || HasEnoughSolutions(request));
@@ -81,7 +81,7 @@ nlohmann::ordered_json JsonHead(const TProblem& problem)
 }
 
 void PrintResult(const TSolveRequest& request, const TSolveOutcome& outcome, EVerdict verdict,
-                 const TSolveOptions& options)
+                 const std::vector<TPassReport>& vecPasses, const TSolveOptions& options)
 {
     if (!options.m_bJson) {
         PrintHead(request);
@@ -89,16 +89,14 @@ void PrintResult(const TSolveRequest& request, const TSolveOutcome& outcome, EVe
         std::printf("%s, %.3f s, %llu positions\n", VerdictText(request, verdict).c_str(),
                     outcome.m_elapsed.count(),
                     static_cast<unsigned long long>(request.m_nPositions));
+        PrintNotes(request, outcome);
         return;
     }
     nlohmann::ordered_json line = JsonHead(request);
     line["mate"] = request.GetStipulation();
-    line["result"] = ResultWord(outcome);
-    line["solutions"] = MoveTexts(request, outcome.m_vecSolutions);
+    AddResultTo(line, request, outcome, vecPasses);
     if (verdict != EVerdict::NoAnswer)
         line["asAnswer"] = verdict == EVerdict::Agrees;
-    line["seconds"] = outcome.m_elapsed.count();
-    line["positions"] = request.m_nPositions;
     std::printf("%s\n", line.dump().c_str());
 }
 
@@ -139,9 +137,10 @@ public:
         static_cast<TProblem&>(request) = std::move(problem);
         try {
             CheckLength(request);
-            const TSolveOutcome outcome = SolveWithOptions(request, m_options);
+            std::vector<TPassReport> vecPasses;
+            const TSolveOutcome outcome = SolveWithOptions(request, m_options, vecPasses);
             const EVerdict verdict = Compare(request, outcome);
-            PrintResult(request, outcome, verdict, m_options);
+            PrintResult(request, outcome, verdict, vecPasses, m_options);
             Count(verdict, ExitCode(outcome, verdict));
         }
         catch (const ChessException& error) {
@@ -174,10 +173,8 @@ private:
     {
         if (verdict == EVerdict::Differs)
             return EXIT_NO_SOLUTION;
-        if (outcome.m_bStopped)
-            return EXIT_STOPPED;
-        return verdict == EVerdict::Agrees || outcome.m_nResult == 1 ? EXIT_SOLVED
-                                                                     : EXIT_NO_SOLUTION;
+        return verdict == EVerdict::Agrees && !outcome.m_bStopped ? EXIT_SOLVED
+                                                                  : ExitCodeOf(outcome);
     }
 
     void Count(EVerdict verdict, int nExitCode)

@@ -29,15 +29,13 @@ struct TSolveArguments
     TProblemFileSettings m_fileSettings;
 };
 
-void PrintJson(const TTask& task, const TSolveRequest& request, const TSolveOutcome& outcome)
+void PrintJson(const TTask& task, const TSolveRequest& request, const TSolveOutcome& outcome,
+               const std::vector<TPassReport>& vecPasses)
 {
     nlohmann::ordered_json line;
     line["fen"] = task.m_strFen;
     line["mate"] = task.m_nMate;
-    line["result"] = ResultWord(outcome);
-    line["solutions"] = MoveTexts(request, outcome.m_vecSolutions);
-    line["seconds"] = outcome.m_elapsed.count();
-    line["positions"] = request.m_nPositions;
+    AddResultTo(line, request, outcome, vecPasses);
     std::printf("%s\n", line.dump().c_str());
 }
 
@@ -47,6 +45,7 @@ void PrintText(const TTask& task, const TSolveRequest& request, const TSolveOutc
     PrintSolutions(request, outcome);
     std::printf(", %.3f s, %llu positions\n", outcome.m_elapsed.count(),
                 static_cast<unsigned long long>(request.m_nPositions));
+    PrintNotes(request, outcome);
 }
 
 /// Solves one task and prints it. Throws ChessException.
@@ -55,12 +54,14 @@ int SolveTask(const TTask& task, const TSolveOptions& options)
     TSolveRequest request;
     *request.m_pChessboard = BoardOfFen(task.m_strFen);
     request.SetMateIn(task.m_nMate);
-    const TSolveOutcome outcome = SolveWithOptions(request, options);
-    (options.m_bJson ? PrintJson : PrintText)(task, request, outcome);
+    std::vector<TPassReport> vecPasses;
+    const TSolveOutcome outcome = SolveWithOptions(request, options, vecPasses);
+    if (options.m_bJson)
+        PrintJson(task, request, outcome, vecPasses);
+    else
+        PrintText(task, request, outcome);
     std::fflush(stdout);
-    if (outcome.m_bStopped)
-        return EXIT_STOPPED;
-    return outcome.m_nResult == 1 ? EXIT_SOLVED : EXIT_NO_SOLUTION;
+    return ExitCodeOf(outcome);
 }
 
 /// The exit code of a list: bad input outweighs a stop, a stop a solution, and "no solution" stands
@@ -142,17 +143,8 @@ void AddSolveCommand(CLI::App& app, int& nExitCode)
         pCommand->add_flag("--first", options.m_bFirst, "stop at the first solution");
     pCommand->add_flag("--all", pArguments->m_bAll, "find all solutions (the default)")
         ->excludes(pFirst);
-    pCommand->add_option("--time", options.m_dSeconds, "give up after so many seconds a position")
-        ->check(CLI::Range(0.0, 1e9));
     pCommand->add_flag("--json", options.m_bJson, "print one JSON object a position");
-    pCommand
-        ->add_option("--threads", options.m_nThreads,
-                     "threads that share the first moves (what the problem asks for, or 1)")
-        ->check(CLI::Range(1, 64));
-    pCommand->add_flag("--no-register", options.m_bNoRegister,
-                       "search without memory of positions, for comparison");
-    pCommand->add_flag("--plain", options.m_bPlain,
-                       "search by the plain recursion, for comparison");
+    AddSolveOptions(*pCommand, options);
     AddFileOptions(*pCommand, pArguments->m_fileSettings);
     pCommand->callback([pArguments, &nExitCode] { nExitCode = RunSolve(*pArguments); });
 }

@@ -1,14 +1,77 @@
 #include "cli/solving.h"
 
 #include "chess/notation.h"
+#include "cli/commands.h"
 #include "cli/task.h"
+#include "heuristics/setreader.h"
 
 #include <cstdio>
 
 namespace corvina
 {
 
-TSolveOutcome SolveWithOptions(TSolveRequest& request, const TSolveOptions& options)
+namespace
+{
+
+/// The options' set and switches come before those of the problem.
+void ApplySetOptions(TSolveRequest& request, const TSolveOptions& options)
+{
+    THeuristicSet& set = request.m_heuristicSet;
+    if (options.m_bNoHeuristics)
+        set.m_nHeuristics = 0;
+    if (options.m_strHeuristics)
+        ReadHeuristicsText(*options.m_strHeuristics, set, request.m_pChessboard.get());
+    set.m_params.m_bLetRelax = !options.m_bNoRelax;
+    set.m_params.m_bRunPass2 = !options.m_bNoPass2;
+    set.m_params.m_bEnableFallback = !options.m_bNoFallback;
+    if (options.m_bSafe)
+        request.m_nRunOptions |= RUN_SAFEMODE;
+    if (options.m_nShortMate)
+        request.m_shLookForQuickerMateDepth =
+            static_cast<std::int16_t>(HalfMovesOfMate(options.m_nShortMate));
+}
+
+void PrintPass(const TPassReport& report)
+{
+    std::fprintf(stderr, "Pass %s: %s; %u first moves decided, %.3f s\n", report.m_strName.c_str(),
+                 report.m_strSet.c_str(), report.m_nDecided, report.m_dSeconds);
+}
+
+} // namespace
+
+void AddSolveOptions(CLI::App& command, TSolveOptions& options)
+{
+    command.add_option("--time", options.m_dSeconds, "give up after so many seconds a position")
+        ->check(CLI::Range(0.0, 1e9));
+    command
+        .add_option("--threads", options.m_nThreads,
+                    "threads that share the first moves (what the problem asks for, or 1)")
+        ->check(CLI::Range(1, 64));
+    CLI::Option* pSet =
+        command.add_option("--heuristics", options.m_strHeuristics,
+                           "begin with this set, as in \"SH_KEEPKINGONTHEEDGE(C1f), "
+                           "SH_DONTLOSEANYFIGURES\"; \"none\"");
+    command.add_flag("--no-heuristics", options.m_bNoHeuristics, "begin with the last pass")
+        ->excludes(pSet);
+    command.add_flag("--no-relax", options.m_bNoRelax,
+                     "one pass with heuristics only, then the last pass");
+    command.add_flag("--no-pass2", options.m_bNoPass2,
+                     "leave out the last pass, the one without heuristics");
+    command.add_flag("--no-fallback", options.m_bNoFallback,
+                     "don't try a stricter set within a line of play");
+    command.add_flag("--safe", options.m_bSafe,
+                     "safe mode: a repetition of the position leaves no doubt behind");
+    command
+        .add_option("--short-mate", options.m_nShortMate,
+                    "moves that the search for a short mate looks ahead (by the position)")
+        ->check(CLI::Range(1, 16));
+    command.add_flag("--no-register", options.m_bNoRegister,
+                     "search without memory of positions, for comparison");
+    command.add_flag("--plain", options.m_bPlain, "search by the plain recursion, for comparison");
+}
+
+TSolveOutcome SolveWithOptions(TSolveRequest& request, const TSolveOptions& options,
+                               std::vector<TPassReport>& vecPasses)
 {
     // The note must not mix with a result that a program reads.
     request.m_pChessboard->CheckFigureLimits(nullptr, options.m_bJson ? stderr : stdout);
@@ -17,6 +80,13 @@ TSolveOutcome SolveWithOptions(TSolveRequest& request, const TSolveOptions& opti
     request.m_nForcedThreads = static_cast<std::uint8_t>(options.m_nThreads);
     request.m_bPlain = options.m_bPlain;
     request.m_bUseRegister = !options.m_bNoRegister;
+    ApplySetOptions(request, options);
+    const bool bTell = request.m_heuristicSet.m_nHeuristics != 0 && !options.m_bPlain;
+    request.OnPassEnd = [&vecPasses, bTell](const TPassReport& report) {
+        vecPasses.push_back(report);
+        if (bTell)
+            PrintPass(report);
+    };
 
     const auto pWatchdog = StopAfter(request, options.m_dSeconds);
     return Solve(request, settings);
@@ -34,7 +104,46 @@ const char* ResultWord(const TSolveOutcome& outcome)
 {
     if (outcome.m_bStopped)
         return "stopped";
-    return outcome.m_nResult == 1 ? "solved" : "none";
+    if (outcome.m_nResult == 1)
+        return "solved";
+    return outcome.m_bDoubtful ? "doubtful" : "none";
+}
+
+int ExitCodeOf(const TSolveOutcome& outcome)
+{
+    if (outcome.m_bStopped)
+        return EXIT_STOPPED;
+    if (outcome.m_nResult == 1)
+        return EXIT_SOLVED;
+    return outcome.m_bDoubtful ? EXIT_STOPPED : EXIT_NO_SOLUTION;
+}
+
+void AddResultTo(nlohmann::ordered_json& line, const TSolveRequest& request,
+                 const TSolveOutcome& outcome, const std::vector<TPassReport>& vecPasses)
+{
+    line["result"] = ResultWord(outcome);
+    line["solutions"] = MoveTexts(request, outcome.m_vecSolutions);
+    line["doubtful"] = outcome.m_bDoubtful;
+    auto& passes = line["passes"] = nlohmann::ordered_json::array();
+    for (const TPassReport& report : vecPasses)
+        passes.push_back({{"pass", report.m_strName},
+                          {"heuristics", report.m_strSet},
+                          {"decided", report.m_nDecided},
+                          {"seconds", report.m_dSeconds}});
+    line["seconds"] = outcome.m_elapsed.count();
+    line["positions"] = request.m_nPositions;
+}
+
+void PrintNotes(const TSolveRequest& request, const TSolveOutcome& outcome)
+{
+    const THeuristicSet& set = request.m_heuristicSet;
+    if (set.m_nHeuristics == 0 || outcome.m_bStopped)
+        return;
+    if (outcome.m_bDoubtful && !set.m_params.m_bRunPass2)
+        std::printf("\t* pass without heuristics has been skipped (on user's request)\n");
+    if (!set.m_params.m_bLetRelax)
+        std::printf("\t* there was only one pass with heuristcs (relaxation of heuristics was "
+                    "switched off by user's request)\n");
 }
 
 void PrintSolutions(const TSolveRequest& request, const TSolveOutcome& outcome)
@@ -45,7 +154,7 @@ void PrintSolutions(const TSolveRequest& request, const TSolveOutcome& outcome)
     if (outcome.m_bStopped)
         std::printf("  stopped, %zu found so far", nSolutions);
     else if (nSolutions == 0)
-        std::printf("  no solution");
+        std::printf(outcome.m_bDoubtful ? "  no solution found" : "  no solution");
     else
         std::printf("  %zu solution%s%s", nSolutions, nSolutions == 1 ? "" : "s",
                     request.m_nSearchMode & SEARCH_FIRST ? " (the first)" : "");

@@ -3,6 +3,9 @@
 
 #include "app/options.h"
 
+#include <CLI/CLI.hpp>
+#include <nlohmann/json.hpp>
+
 #include <optional>
 #include <string>
 #include <vector>
@@ -18,19 +21,41 @@ struct TSolveOptions
     bool m_bJson = false;
     bool m_bPlain = false;
     bool m_bNoRegister = false;
-    int m_nThreads = 0; ///< 0: what the problem asks for, or one
+    std::optional<std::string> m_strHeuristics; ///< the set, in the place of the problem's
+    bool m_bNoHeuristics = false;
+    bool m_bNoRelax = false;    ///< one pass with heuristics
+    bool m_bNoPass2 = false;    ///< no pass without
+    bool m_bNoFallback = false; ///< no stricter set within a line of play
+    bool m_bSafe = false;
+    int m_nShortMate = 0; ///< moves of the short mate search; 0: by the position
+    int m_nThreads = 0;   ///< 0: what the problem asks for, or one
     TOptions m_programOptions;
 };
 
-/// Solves a request; an interruption by the user stops it as the time does. Throws ChessException
-/// as Solve does.
-TSolveOutcome SolveWithOptions(TSolveRequest& request, const TSolveOptions& options);
+/// The command line's options of a run.
+void AddSolveOptions(CLI::App& command, TSolveOptions& options);
+
+/// Solves a request, tells each pass with its set as it ends, and notes the passes; an interruption
+/// by the user stops it as the time does. Throws ChessException as Solve does.
+TSolveOutcome SolveWithOptions(TSolveRequest& request, const TSolveOptions& options,
+                               std::vector<TPassReport>& vecPasses);
+
+/// 0 to 3, as the program exits after the run.
+int ExitCodeOf(const TSolveOutcome& outcome);
 
 /// Moves of White in the position of a problem, in full notation.
 std::vector<std::string> MoveTexts(const TProblem& problem, const std::vector<TMove>& vecMoves);
 
-/// "solved", "none" or "stopped".
+/// "solved", "none", "stopped", or "doubtful" when the last pass has been switched off.
 const char* ResultWord(const TSolveOutcome& outcome);
+
+/// The members of a JSON object that a run gives: the result, its solutions, passes, time and
+/// positions.
+void AddResultTo(nlohmann::ordered_json& line, const TSolveRequest& request,
+                 const TSolveOutcome& outcome, const std::vector<TPassReport>& vecPasses);
+
+/// What keeps the outcome from being a proof; a line each.
+void PrintNotes(const TSolveRequest& request, const TSolveOutcome& outcome);
 
 /// Prints a line for each solution and the start of a line that counts them.
 void PrintSolutions(const TSolveRequest& request, const TSolveOutcome& outcome);

@@ -71,6 +71,7 @@ TSolveOutcome Solve(TSolveRequest& request, const TRunSettings& settings)
     outcome.m_nResult = FindMate(root, outcome.m_vecSolutions);
     outcome.m_elapsed = std::chrono::steady_clock::now() - request.m_tStart;
     outcome.m_bStopped = request.m_bCutShort;
+    outcome.m_bDoubtful = request.m_bDoubtful;
     request.m_pFoundSolutions = nullptr;
     return outcome;
 }

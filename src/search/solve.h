@@ -20,10 +20,11 @@ struct TRunSettings
 
 struct TSolveOutcome
 {
-    /// 1: at least one solution, 0: none. 0 is a proof only when m_bStopped is false.
+    /// 1: at least one solution, 0: none. 0 is a proof only without the two flags below.
     std::int8_t m_nResult = 0;
     std::vector<TMove> m_vecSolutions;
-    bool m_bStopped = false;                   ///< the run was ended before it was done
+    bool m_bStopped = false;  ///< the run was ended before it was done
+    bool m_bDoubtful = false; ///< first moves are left that no pass that was wanted has decided
     std::chrono::duration<double> m_elapsed{}; ///< seconds
 };
 

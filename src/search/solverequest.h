@@ -1,6 +1,7 @@
 #ifndef CORVINA_SEARCH_SOLVEREQUEST_H
 #define CORVINA_SEARCH_SOLVEREQUEST_H
 
+#include "heuristics/heuristicset.h"
 #include "problems/problem.h"
 #include "registers/aggregatedregister.h"
 #include "registers/registerhost.h"
@@ -68,9 +69,7 @@ struct TSolveRequest : TProblem, TStopBlock, TRegisterHost
     std::uint32_t m_nRequiredHeuristics = 0;
     std::atomic<bool> m_bSafeMode{false}; ///< a relaxation of any thread may turn it on
 
-    // The set of heuristics that the run begins with.
-    std::uint32_t m_nHeuristics = 0;
-    THeuristicsParams m_heuristicsParams;
+    THeuristicSet m_heuristicSet; ///< that the run begins with
 
     // Men of the root position: queens, rooks, bishops and knights, and pawns.
     std::uint8_t m_nRootWhiteFigures = 0, m_nRootWhitePawns = 0;
