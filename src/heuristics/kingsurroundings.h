@@ -56,6 +56,10 @@ bool IsBlackKingOnCorner(const TChessboard& board);
 /// without being lost. It respects pins to the White king, en passant and checks. White is to move.
 bool WhitePawnCanPromote(const TChessboard& board);
 
+/// The same of the pawn on this square, and of the pawns on the seventh row.
+bool WhitePawnCanPromoteFrom(const TChessboard& board, TSquare pawn);
+bool WhitePawnPromotesNow(const TChessboard& board);
+
 /// A White pawn stands in the rectangle; its corners may lie outside of the board.
 bool HasWhitePawnInBox(const TChessboard& board, int x0, int y0, int x1, int y1);
 

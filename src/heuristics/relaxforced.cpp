@@ -1,5 +1,6 @@
 #include "heuristics/forcedmate.h"
 #include "heuristics/kingsurroundings.h"
+#include "heuristics/kingtailored.h"
 #include "heuristics/relaxpredicates.h"
 #include "heuristics/relaxsteps.h"
 #include "search/solverequest.h"

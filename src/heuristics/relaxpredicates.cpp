@@ -192,13 +192,6 @@ bool IsWhiteKingInDanger(const TChessboard& board)
            std::popcount(GuardedByBlack(board) & KingZone(board.WhiteKing())) >= MANY_SQUARES;
 }
 
-bool HasQueenContact(const TChessboard& board)
-{
-    const TSquareSet behind = AttackedSquares<EColour::White>(
-        board, TSets::Occupied(board.m_board), ~TSets::Equal(board.m_board, WHITE_QUEEN));
-    return (QueenTargets(board) & KingZone(board.BlackKing()) & behind) != 0;
-}
-
 bool HasLongQuietLines(const TChessboard& board)
 {
     constexpr int LONG_TASK = 41;

@@ -46,9 +46,6 @@ bool IsWhiteKingShutIn(const TChessboard& board);
 /// White has less material than Black, whose men bear on three squares next to the White king.
 bool IsWhiteKingInDanger(const TChessboard& board);
 
-/// A White queen can go next to the Black king with another of White's men behind her.
-bool HasQueenContact(const TChessboard& board);
-
 /// There is time for quiet play, and no figure of White bears on the Black king's squares yet.
 bool HasLongQuietLines(const TChessboard& board);
 

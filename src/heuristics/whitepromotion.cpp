@@ -64,29 +64,51 @@ bool GetsThroughNow(TChessboard& board, TSquare pawn)
     return false;
 }
 
-} // namespace
-
-bool WhitePawnCanPromote(const TChessboard& board)
+/// A copy to try moves on. Without a thread making a move leaves no notes.
+TChessboard TrialBoard(const TChessboard& board)
 {
-    if (!board.m_nWhitePawns)
-        return false;
-    TSquareSet pawns = TSets::Equal(board.m_board, W::PAWN) & ~TSquareSet{0}
-                                                                  << 8 * W::EN_PASSANT_ROW;
-    if (!pawns)
-        return false;
-    // Without a thread making a move leaves no notes.
     TChessboard trial = board;
     trial.m_pThread = nullptr;
     trial.m_moveFilter = 0;
     trial.m_nMoves = TRIAL_PLIES;
-    const TSquareSet seventh = pawns & TSquareSet{0xFF} << 8 * SEVENTH_ROW;
-    for (TSquareSet set : {seventh, pawns & ~seventh}) {
-        while (set) {
-            if (GetsThroughNow(trial, PopLowestSquare(set)))
-                return true;
-        }
+    return trial;
+}
+
+bool AnyGetsThrough(const TChessboard& board, TSquareSet pawns)
+{
+    if (!pawns)
+        return false;
+    TChessboard trial = TrialBoard(board);
+    while (pawns) {
+        if (GetsThroughNow(trial, PopLowestSquare(pawns)))
+            return true;
     }
     return false;
+}
+
+/// White's pawns from this row on.
+TSquareSet PawnsFromRow(const TChessboard& board, int row)
+{
+    return board.m_nWhitePawns ? TSets::Equal(board.m_board, W::PAWN) & ALL_SQUARES << 8 * row : 0;
+}
+
+} // namespace
+
+bool WhitePawnCanPromote(const TChessboard& board)
+{
+    return WhitePawnPromotesNow(board) ||
+           AnyGetsThrough(board, PawnsFromRow(board, W::EN_PASSANT_ROW) &
+                                     ~PawnsFromRow(board, SEVENTH_ROW));
+}
+
+bool WhitePawnCanPromoteFrom(const TChessboard& board, TSquare pawn)
+{
+    return AnyGetsThrough(board, PawnsFromRow(board, W::EN_PASSANT_ROW) & Bit(pawn));
+}
+
+bool WhitePawnPromotesNow(const TChessboard& board)
+{
+    return AnyGetsThrough(board, PawnsFromRow(board, SEVENTH_ROW));
 }
 
 } // namespace corvina

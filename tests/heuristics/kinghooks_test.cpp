@@ -1,0 +1,568 @@
+#include "chess/fen.h"
+#include "heuristics/heuristicbits.h"
+#include "heuristics/kingsurroundings.h"
+#include "heuristics/kingtailored.h"
+#include "search/hooks.h"
+#include "search/plainsearch.h"
+#include "search/solverequest.h"
+#include "support/data.h"
+#include "support/positions.h"
+#include "support/slowchess.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <cstring>
+#include <memory>
+
+namespace corvina
+{
+namespace
+{
+
+/// A root position with a request and a search thread of its own, and moves played from it.
+struct THookLine
+{
+    TSolveRequest m_request;
+    TThreadContext m_context;
+    TChessboard m_root;
+    TChessboard* m_pLast;
+
+    /// nMoves half-moves are left at the root, and White is to move there. Moves as "e2e4 e7e8q";
+    /// "pass" is White's.
+    THookLine(const std::string& strFen, int nMoves, const std::string& strMoves,
+              std::uint32_t nHeuristics)
+        : m_context(nMoves), m_pLast(&m_root)
+    {
+        ReadFen(m_root, strFen);
+        m_root.m_pRequest = &m_request;
+        m_root.m_pThread = &m_context;
+        m_context.m_pRootBoard = &m_root;
+        m_root.CheckStartPosition(static_cast<std::uint16_t>(nMoves), true);
+        m_root.m_nHeuristics = nHeuristics;
+        m_root.m_nPass = 1;
+        m_request.m_nRootWhiteFigures = static_cast<std::uint8_t>(WhiteFigures(m_root));
+        m_request.m_nRootBlackFigures = static_cast<std::uint8_t>(BlackFigures(m_root));
+        m_request.m_nRootWhitePawns = m_root.m_nWhitePawns;
+        m_request.m_nRootBlackPawns = m_root.m_nBlackPawns;
+        m_context.m_nRootBlackMajors = static_cast<std::uint8_t>(BlackMajors(m_root));
+        m_context.m_nRootWhiteMajors = static_cast<std::uint8_t>(WhiteMajors(m_root));
+        m_context.m_nRootWhiteMinors =
+            static_cast<std::uint8_t>(WhiteFigures(m_root) - WhiteMajors(m_root));
+        for (const std::string& strMove : Split(strMoves, ' '))
+            Play(strMove);
+    }
+
+    void Play(const std::string& strMove)
+    {
+        if (strMove == "pass") {
+            m_pLast = &m_context.MakeChild(*m_pLast);
+            m_pLast->MakeWhiteNullMove();
+            return;
+        }
+        for (const TMove& move : LegalMoves(*m_pLast)) {
+            if (MoveText(move) == strMove) {
+                m_pLast = &PlayMove(*m_pLast, move);
+                return;
+            }
+        }
+        ADD_FAILURE() << strMove << " is illegal in " << WriteFen(*m_pLast, true);
+    }
+
+    std::uint64_t Cuts() const
+    {
+        std::uint64_t nCuts = 0;
+        for (const std::uint64_t n : m_context.m_anCuts)
+            nCuts += n;
+        return nCuts;
+    }
+};
+
+/// What a hook has to leave alone.
+struct TState
+{
+    std::array<std::byte, sizeof(TChessboard)> m_record;
+    std::vector<std::byte> m_params;
+    std::vector<std::uint16_t> m_vecNotes;
+
+    explicit TState(const THookLine& line)
+    {
+        std::memcpy(m_record.data(), line.m_pLast, sizeof(TChessboard));
+        const TThreadContext& context = line.m_context;
+        THeuristicsParams params = context;
+        params.m_nDeferDeadline = 0;
+        m_params.resize(sizeof params);
+        std::memcpy(m_params.data(), &params, sizeof params);
+        m_vecNotes.assign(context.m_anRepeatDepth.begin(), context.m_anRepeatDepth.end());
+        m_vecNotes.insert(m_vecNotes.end(),
+                          {context.m_nQuickerMateNesting, context.m_bNoQuickerMate,
+                           context.m_shAdditionalMoves, context.m_bAdditionalMovesUsed,
+                           context.m_nQuickerMateRootDepth, context.m_bSkipEqualPromotions,
+                           context.m_nHookNesting, context.m_bSpecialSolverTried});
+    }
+    bool operator==(const TState&) const = default;
+};
+
+int AskBlackHook(THookLine& line, TMove* pMove = nullptr)
+{
+    for (std::size_t i = 0; i < line.m_context.m_anRepeatDepth.size(); ++i)
+        line.m_context.m_anRepeatDepth[i] = static_cast<std::uint16_t>(3 * i);
+    line.m_context.m_bSkipEqualPromotions = true;
+    line.m_context.m_bAdditionalMovesUsed = true;
+    line.m_context.m_shAdditionalMoves = 0;
+    const std::uint64_t nCuts = line.Cuts();
+    const TState before(line);
+    const int nAnswer = IsBlackMoveDoubtful(*line.m_pLast, pMove);
+    EXPECT_EQ(TState(line), before) << "the record or the context has changed";
+    EXPECT_EQ(line.Cuts(), nCuts + (nAnswer > 0));
+    return nAnswer;
+}
+
+/// A case of the hook of Black's moves.
+struct TCase
+{
+    const char* m_pName;
+    const char* m_pFen;
+    int m_nMoves;
+    const char* m_pMoves;
+    std::uint32_t m_nHeuristics;
+    void (*m_set)(THookLine&);
+    int m_nExpected;
+};
+
+void PlainEdge(THookLine& line)
+{
+    line.m_context.m_bKingMustNotMove = false;
+}
+
+void RelaxedEdge(THookLine& line)
+{
+    PlainEdge(line);
+    line.m_context.m_nEdgeRelaxCaptures = 1;
+}
+
+void Deferred(THookLine& line)
+{
+    RelaxedEdge(line);
+    line.m_pLast->m_boardFlags |= TChessboard::FLAG_EDGECHECKDEFERRED;
+    line.m_context.m_nDeferDeadline = 5;
+}
+
+void StrictWithExceptions(THookLine& line)
+{
+    line.m_context.m_bKingMoveExceptions = true;
+}
+
+void Nothing(THookLine&) {}
+
+constexpr std::uint32_t EDGE = SH_KEEPKINGONTHEEDGE;
+constexpr std::uint32_t EXT = SH_KEEPKINGWITHINEXTEDGE;
+constexpr std::uint32_t SURROUND = SH_ASSERTBLACKKINGSURROUNDED;
+
+const TCase g_aCases[] = {
+    // The White king six steps away: mate in 1 or 2 comes too early for it.
+    {"far king", "7k/8/8/8/8/8/8/KQ6 w - - 0 1", 5, "b1b2 h8g8", SH_AREKINGSNEAR, Nothing, 1},
+    {"king in time", "7k/8/8/8/8/8/8/KQ6 w - - 0 1", 15, "b1b2 h8g8", SH_AREKINGSNEAR, Nothing, 0},
+    {"two queens", "7k/8/8/8/8/8/8/KQQ5 w - - 0 1", 5, "b1b2 h8g8", SH_AREKINGSNEAR, Nothing, 0},
+    {"just promoted", "7k/P7/8/8/8/8/8/K7 w - - 0 1", 5, "a7a8r h8g7", SH_AREKINGSNEAR, Nothing, 0},
+    {"pawn promotes", "8/7k/8/8/8/8/5P2/K1R1B3 w - - 0 1", 5, "c1c2 h7g7", SH_AREKINGSNEAR, Nothing,
+     1},
+    {"pawn in time", "8/7k/P7/8/8/8/8/K1R1B3 w - - 0 1", 5, "c1c2 h7g7", SH_AREKINGSNEAR, Nothing,
+     0},
+    {"own rook in the corner", "5r1k/8/8/8/8/8/8/KQ6 w - - 0 1", 5, "b1c1 f8g8", SH_AREKINGSNEAR,
+     Nothing, 0},
+    {"rook away", "4r2k/8/8/8/8/8/8/KQ6 w - - 0 1", 5, "b1c1 e8f8", SH_AREKINGSNEAR, Nothing, 1},
+
+    {"on the edge", "4k3/8/8/8/8/8/R7/4K3 w - - 0 1", 9, "a2a3 e8f8", EDGE, PlainEdge, 0},
+    {"off the edge", "4k3/8/8/8/8/8/R7/4K3 w - - 0 1", 9, "a2a3 e8f7", EDGE, PlainEdge, 1},
+    {"no king move", "8/4k2n/8/8/8/8/R7/4K3 w - - 0 1", 9, "a2a3 h7g5", EDGE, PlainEdge, 1},
+    {"figure captured", "4k3/8/8/8/8/n7/R7/4K3 w - - 0 1", 9, "a2a3 e8f7", EDGE, PlainEdge, 0},
+    {"pawn captured", "4k3/8/8/8/8/p7/R7/4K3 w - - 0 1", 9, "a2a3 e8f7", EDGE, PlainEdge, 1},
+    {"won before", "4k3/8/8/8/8/n7/R7/4K3 w - - 0 1", 9, "a2a3 e8f8 a3a4 f8f7", EDGE, PlainEdge, 1},
+    {"balance won", "4k3/8/8/8/8/n7/R7/4K3 w - - 0 1", 9, "a2a3 e8f8 a3a4 f8f7", EDGE, RelaxedEdge,
+     0},
+    {"balance evened", "4k3/8/8/8/3n4/n7/R1N5/4K3 w - - 0 1", 11, "a2a3 d4c2 e1d1 c2a3 d1d2 e8f7",
+     EDGE, RelaxedEdge, 1},
+    {"no pawns counted", "4k3/8/8/8/8/p7/R7/4K3 w - - 0 1", 9, "a2a3 e8f8 a3a4 f8f7", EDGE,
+     RelaxedEdge, 1},
+    {"pawns counted", "4k3/8/8/8/8/p7/R7/4K3 w - - 0 1", 9, "a2a3 e8f8 a3a4 f8f7", EDGE,
+     [](THookLine& line) {
+         RelaxedEdge(line);
+         line.m_context.m_bEdgeRelaxCountPawns = true;
+     },
+     0},
+    {"relaxed for the ext. edge", "4k3/8/8/8/8/n7/R7/4K3 w - - 0 1", 9, "a2a3 e8f8 a3a4 f8f7", EDGE,
+     [](THookLine& line) {
+         RelaxedEdge(line);
+         line.m_context.m_bEdgeRelaxExtOnly = true;
+     },
+     1},
+    {"advanced pawn", "7k/P7/8/8/8/8/R7/4K3 w - - 0 1", 9, "a2a3 h8g7", EDGE,
+     [](THookLine& line) {
+         PlainEdge(line);
+         line.m_context.m_bEdgeRelaxOnPawn = true;
+     },
+     0},
+    {"g7 from the edge", "7k/8/8/8/8/8/R7/4K3 w - - 0 1", 9, "a2a3 h8g7", EDGE, PlainEdge, 0},
+    {"g7 from the inside", "8/8/5k2/8/8/8/R7/4K3 w - - 0 1", 9, "a2a3 f6g7", EDGE, PlainEdge, 1},
+    {"corner counts as edge", "8/8/5k2/8/8/8/R7/4K3 w - - 0 1", 9, "a2a3 f6g7", EDGE,
+     [](THookLine& line) {
+         PlainEdge(line);
+         line.m_context.m_bInclCorner = true;
+     },
+     0},
+    {"lone queen attacked", "8/3k4/8/8/8/8/R7/1q2K2R w - - 0 1", 9, "e1f2 b1a2 f2e3 d7c6", EDGE,
+     PlainEdge, 1},
+    {"lone queen en prise", "8/3k4/8/8/q7/8/R7/4K3 w - - 0 1", 9, "e1f1 d7c6", EDGE, PlainEdge, 0},
+    {"waiting", "4k3/8/8/8/8/8/R7/4K3 w - - 0 1", 9, "a2a3 e8f7", EDGE, Deferred, 0},
+    {"deadline over", "4k3/8/8/8/8/8/R7/4K3 w - - 0 1", 5, "a2a3 e8f7", EDGE, Deferred, 1},
+    {"relaxed in the line", "4k3/8/8/8/8/8/R7/4K3 w - - 0 1", 9, "a2a3 e8f8", EDGE,
+     [](THookLine& line) { line.m_pLast->m_boardFlags |= TChessboard::FLAG_EDGERELAXED; }, 0},
+
+    {"king stays", "4k2n/8/8/8/8/8/R7/4K3 w - - 0 1", 9, "a2a3 h8g6", EDGE, Nothing, 0},
+    {"king moves", "4k3/8/8/8/8/8/R7/4K3 w - - 0 1", 9, "a2a3 e8f8", EDGE, Nothing, 1},
+    {"mate in one", "3k4/8/3K4/8/8/8/1Q6/8 w - - 0 1", 9, "b2a2 d8e8", EDGE, Nothing, 0},
+    {"mate in two", "3k4/8/3K4/8/8/8/R7/8 w - - 0 1", 9, "a2a1 d8e8", EDGE, Nothing, 0},
+    {"left its root square", "4k3/8/8/8/8/8/R7/4K3 w - - 0 1", 9, "a2a3 e8f8", EDGE,
+     StrictWithExceptions, 0},
+    {"moved on", "4k3/8/8/8/8/8/R7/4K3 w - - 0 1", 9, "a2a3 e8f8 a3a4 f8g8", EDGE,
+     StrictWithExceptions, 1},
+    {"another move after the exception", "4k2n/8/8/8/8/8/R7/4K3 w - - 0 1", 9,
+     "a2a3 e8f8 a3a4 h8g6", EDGE, StrictWithExceptions, 1},
+    {"both shuttled", "4k3/8/8/8/8/8/R7/4K3 w - - 0 1", 9, "a2a3 e8f8 a3a2 f8e8", EDGE, Nothing, 0},
+    {"one shuttled", "4k3/8/8/8/8/8/R7/4K3 w - - 0 1", 9, "a2a3 e8f8 a3a4 f8e8", EDGE, Nothing, 1},
+    {"figure won", "4k3/8/8/8/8/n7/R7/4K3 w - - 0 1", 9, "a2a3 e8f8", EDGE, Nothing, 0},
+    {"standing pawn won", "4k3/8/8/8/8/p7/R7/4K3 w - - 0 1", 9, "a2a3 e8f8", EDGE, Nothing, 1},
+    {"exchange", "4k3/8/8/8/2n5/N7/RP6/4K3 w - - 0 1", 9, "e1e2 c4a3 b2a3 e8f8", EDGE, Nothing, 1},
+    {"pawn let through", "k7/P2K4/8/8/8/8/7B/8 w - - 0 1", 9, "h2g3 a8a7", EDGE, Nothing, 1},
+    {"promotion square left", "1k6/1P6/8/2K5/8/8/5B2/8 w - - 0 1", 9, "f2g3 b8a7", EDGE, Nothing,
+     0},
+    {"heavy figures won", "4k2r/8/8/8/8/8/7R/4K3 w - - 0 1", 9, "h2h8 e8e7 h8h7 e7e8", EDGE,
+     Nothing, 0},
+
+    {"second ring", "8/3k4/8/8/8/8/R7/4K3 w - - 0 1", 9, "a2a3 d7e7", EXT, Nothing, 0},
+    {"third ring", "8/3k4/8/8/8/8/R7/4K3 w - - 0 1", 9, "a2a3 d7e6", EXT, Nothing, 1},
+    {"queen promoted", "8/P2k4/8/8/8/8/8/4K3 w - - 0 1", 9, "a7a8q d7e6", EXT, Nothing, 0},
+    {"bare on c6", "8/1k6/8/8/8/n7/R7/4K3 w - - 0 1", 9, "a2a3 b7c7 a3a1 c7c6", EXT, Nothing, 0},
+    {"balance one short, figure falls", "8/3k4/8/8/n7/8/8/R3K3 w - - 0 1", 9, "e1f1 d7e6", EXT,
+     RelaxedEdge, 0},
+    {"box shut", "R7/4k3/8/8/R7/8/8/3RKR2 w - - 0 1", 9, "e1e2 e7e6", EXT, Nothing, 0},
+    {"figure en prise", "8/7p/3k4/6P1/8/8/R7/4K3 w - - 0 1", 9, "a2a3 h7h6", EXT, Nothing, 0},
+    {"moves to the edge", "8/3k4/8/8/8/8/R7/4K3 w - - 0 1", 9, "a2a3 d7e7 a3a4 e7e8", EXT,
+     [](THookLine& line) { line.m_context.m_bExtEdgeMoveOnly = true; }, 0},
+    {"moves off the edge", "8/3k4/8/8/8/8/R7/4K3 w - - 0 1", 9, "a2a3 d7e7 a3a4 e7f7", EXT,
+     [](THookLine& line) { line.m_context.m_bExtEdgeMoveOnly = true; }, 1},
+
+    {"strictly surrounded", "4k3/8/4K3/8/8/8/1R6/8 w - - 0 1", 9, "b2c2 e8d8", SURROUND,
+     [](THookLine& line) { line.m_context.m_bSurroundedStrict = true; }, 0},
+    {"strict and free", "4k3/8/8/8/4K3/8/1R6/8 w - - 0 1", 9, "b2a2 e8d8", SURROUND,
+     [](THookLine& line) { line.m_context.m_bSurroundedStrict = true; }, 1},
+    {"free in the middle", "8/8/4k3/8/8/p1p1p3/8/KB1B4 w - - 0 1", 11, "b1a2 e6d6 d1g4 d6c5",
+     SURROUND, Nothing, 1},
+    {"free in the root position", "8/8/4k3/8/8/p1p1p3/8/KB1B4 w - - 0 1", 11, "b1a2 e6d6", SURROUND,
+     Nothing, 0},
+    {"a queen closes in", "8/8/4k3/8/8/p1p1p3/8/KB1B3Q w - - 0 1", 11, "b1c2 e6d6 d1e2 d6e5",
+     SURROUND, Nothing, 0},
+};
+
+TEST(KingHooks, CasesOfTheRules)
+{
+    for (const TCase& test : g_aCases) {
+        SCOPED_TRACE(test.m_pName);
+        THookLine line(test.m_pFen, test.m_nMoves, test.m_pMoves, test.m_nHeuristics);
+        test.m_set(line);
+        EXPECT_EQ(AskBlackHook(line), test.m_nExpected) << WriteFen(*line.m_pLast, true);
+        EXPECT_EQ(line.m_context.m_nDoubtReason, test.m_nExpected > 0 ? test.m_nHeuristics : 0);
+    }
+}
+
+/// A mate that one heuristic has proved ends the hook: the next one would have cut.
+TEST(KingHooks, AMateEndsTheHook)
+{
+    const auto ask = [](std::uint32_t nHeuristics) {
+        THookLine line("3k4/8/3K4/8/8/8/R7/8 w - - 0 1", 9, "a2a1 d8e8", nHeuristics);
+        line.m_context.m_bSurroundedStrict = true;
+        return AskBlackHook(line);
+    };
+    EXPECT_EQ(ask(SURROUND), HOOK_DOUBTFUL);
+    EXPECT_EQ(ask(SURROUND | EDGE), HOOK_PASSES);
+}
+
+TEST(KingHooks, AStoppedMateTestDecidesNothing)
+{
+    THookLine line("4k3/8/8/8/8/8/R7/4K3 w - - 0 1", 9, "a2a3 e8f8", EDGE);
+    line.m_request.SetStopState(TStopBlock::STOP, TStopBlock::ALL_THREADS);
+    EXPECT_EQ(AskBlackHook(line), HOOK_UNDECIDED);
+}
+
+TEST(KingHooks, ViolationsWaitForADeadline)
+{
+    struct TDeferral
+    {
+        std::uint32_t m_nHeuristic;
+        const char* m_pFen;
+        int m_nDeferMoves;
+        bool m_bSkipIfNoChange;
+        int m_nExpected;
+        int m_nDeadline; ///< 0: the move isn't marked
+    };
+    constexpr const char* LONE = "8/3k4/8/8/8/8/R7/4K3 w - - 0 1";
+    constexpr const char* WITH_FIGURE = "8/3k4/8/8/8/8/R7/4K2n w - - 0 1";
+    constexpr const char* WITH_PAWN = "8/3k4/8/P7/8/8/R7/4K3 w - - 0 1";
+    const TDeferral aDeferrals[] = {
+        {EDGE, LONE, 0, false, 1, 0},       {EDGE, LONE, 1, false, 0, 5},
+        {EDGE, LONE, 9, false, 0, 1},       {EDGE, LONE, 2, true, 1, 0},
+        {EDGE, WITH_FIGURE, 2, true, 0, 3}, {EDGE, WITH_PAWN, 2, true, 1, 0},
+        {EDGE, WITH_PAWN, 3, true, 0, 1},   {EXT, LONE, 0, false, 1, 0},
+        {EXT, LONE, 2, false, 0, 3},        {EXT, LONE, 2, true, 1, 0},
+    };
+    for (const TDeferral& test : aDeferrals) {
+        THookLine line(test.m_pFen, 9, "a2b2 d7e6", test.m_nHeuristic);
+        RelaxedEdge(line);
+        line.m_context.m_nDeferMoves = static_cast<std::uint16_t>(test.m_nDeferMoves);
+        line.m_context.m_bSkipDeferIfNoChange = test.m_bSkipIfNoChange;
+        TMove move = line.m_pLast->m_LastMove;
+        EXPECT_EQ(AskBlackHook(line, &move), test.m_nExpected) << test.m_pFen;
+        EXPECT_EQ((move.m_promotion & TMove::MARK) != 0, test.m_nDeadline > 0);
+        EXPECT_EQ(line.m_context.m_nDeferDeadline, test.m_nDeadline);
+    }
+}
+
+TEST(KingHooks, CornersReachAsFarAsTold)
+{
+    const struct
+    {
+        int m_nDistance;
+        std::size_t m_nSquares;
+        const char* m_pInside;
+        const char* m_pOutside;
+    } aCases[] = {{0, 4, "a1 h8", "a2"},
+                  {-1, 16, "a1 b1 a2 b2 g7", "c1"},
+                  {-2, 36, "c3", "d1"},
+                  {1, 12, "b1", "b2"},
+                  {3, 40, "a4 c2 b3", "d2"}};
+    for (const auto& test : aCases) {
+        std::string strAccepted;
+        for (int square = 0; square < 64; ++square) {
+            THookLine line("k7/8/8/8/8/8/8/7K w - - 0 1", 5, "pass", SH_KEEPKINGNEARCORNER);
+            TChessboard& child = line.m_context.MakeChild(*line.m_pLast);
+            child.m_blackKingFile = static_cast<std::int8_t>(FileOf(square));
+            child.m_blackKingRow = static_cast<std::int8_t>(RowOf(square));
+            --child.m_nMoves;
+            line.m_context.m_nCornerDistance = static_cast<std::int8_t>(test.m_nDistance);
+            if (IsBlackMoveDoubtful(child, nullptr) == HOOK_PASSES)
+                strAccepted += std::string() + static_cast<char>('a' + FileOf(square)) +
+                               static_cast<char>('1' + RowOf(square)) + ' ';
+        }
+        EXPECT_EQ(strAccepted.size(), 3 * test.m_nSquares) << strAccepted;
+        for (const std::string& strSquare : Split(test.m_pInside, ' '))
+            EXPECT_NE(strAccepted.find(strSquare), std::string::npos) << strSquare;
+        EXPECT_EQ(strAccepted.find(test.m_pOutside), std::string::npos) << test.m_pOutside;
+    }
+}
+
+/// A random position in which White has moved and Black has answered, or null.
+std::unique_ptr<THookLine> RandomLine(std::mt19937& random, int nFigures, std::uint32_t nHeuristics)
+{
+    auto pLine = std::make_unique<THookLine>(WriteFen(RandomPosition(random, nFigures), true), 11,
+                                             "pass", nHeuristics);
+    pLine->m_pLast = &pLine->m_root;
+    for (int nPly = 0; nPly < 4; ++nPly) {
+        const std::vector<TMove> vecMoves = LegalMoves(*pLine->m_pLast);
+        if (vecMoves.empty())
+            return nullptr;
+        pLine->m_pLast = &PlayMove(*pLine->m_pLast, vecMoves[random() % vecMoves.size()]);
+    }
+    return pLine;
+}
+
+bool MatesByPlainSearch(THookLine& line, int nPlies)
+{
+    TChessboard copy = *line.m_pLast;
+    copy.m_nMoves = static_cast<std::uint16_t>(nPlies);
+    return PlainSearchWhite(copy) == 1;
+}
+
+/// Whatever the position, the hooks leave everything as it was; and no cut throws a mate in one
+/// away where a mate test stands before it.
+TEST(KingHooks, NoMateInOneIsCut)
+{
+    std::mt19937 random(4);
+    int nCuts = 0, nPasses = 0;
+    for (const std::uint32_t nHeuristic :
+         {EDGE, SH_AREKINGSNEAR, SH_KEEPKINGNEARCORNER, EXT, SURROUND}) {
+        for (int i = 0; i < 700; ++i) {
+            const auto pLine = RandomLine(random, 3 + i % 7, nHeuristic);
+            if (!pLine)
+                continue;
+            THookLine& line = *pLine;
+            line.m_context.m_bSurroundedStrict = line.m_context.m_bExtEdgeMoveOnly = true;
+            line.m_context.m_bKingMoveExceptions = i & 1;
+            line.m_context.m_nCornerDistance = -1;
+            const bool bCut = AskBlackHook(line) > 0;
+            nCuts += bCut;
+            nPasses += !bCut;
+            EXPECT_FALSE(bCut && MatesByPlainSearch(line, 1)) << WriteFen(*line.m_pLast, true);
+        }
+    }
+    EXPECT_GT(nCuts, 500);
+    EXPECT_GT(nPasses, 500);
+}
+
+/// The other forms, with every parameter that matters thrown in: nothing but the answer comes out.
+TEST(KingHooks, RandomParametersLeaveNoTrace)
+{
+    std::mt19937 random(6);
+    for (int i = 0; i < 3000; ++i) {
+        const auto pLine = RandomLine(random, 3 + i % 20, EDGE | EXT | SURROUND);
+        if (!pLine)
+            continue;
+        THookLine& line = *pLine;
+        constexpr std::uint32_t aMasks[] = {EDGE, EXT, SURROUND, EDGE | SH_SWEEPINGWHITEROOK};
+        line.m_pLast->m_nHeuristics = aMasks[i % 4];
+        line.m_pLast->m_nPositionFlags |=
+            random() & (TChessboard::POSITION_FEWFIGURES | TChessboard::POSITION_FREEKING);
+        line.m_context.m_bKingMustNotMove = random() % 3 == 0;
+        line.m_context.m_nEdgeRelaxCaptures = random() % 3;
+        line.m_context.m_nDeferMoves = random() % 2;
+        line.m_context.m_bInclCorner = random() % 2;
+        line.m_context.m_bEdgeRelaxOnPawn = random() % 2;
+        const int nAnswer = AskBlackHook(line);
+        EXPECT_TRUE(nAnswer == HOOK_PASSES || nAnswer == HOOK_DOUBTFUL);
+        const TState before(line);
+        IsWhiteMoveDoubtful(*line.m_pLast->m_pParent);
+        EXPECT_EQ(TState(line), before);
+    }
+}
+
+TEST(KingHooks, BoundedMateTestsAreProofs)
+{
+    std::mt19937 random(5);
+    int nMates = 0;
+    for (int i = 0; i < 1500; ++i) {
+        const auto pLine = RandomLine(random, 3 + i % 4, EDGE);
+        if (!pLine)
+            continue;
+        const int nPlies = i % 3 == 0 ? 5 : 3;
+        const TState before(*pLine);
+        const bool bMate = IsMateWithin(*pLine->m_pLast, nPlies) == EMateTest::Mate;
+        EXPECT_EQ(TState(*pLine), before);
+        EXPECT_EQ(bMate, MatesByPlainSearch(*pLine, nPlies)) << WriteFen(*pLine->m_pLast, true);
+        nMates += bMate;
+    }
+    EXPECT_GT(nMates, 50);
+}
+
+/// The settled part of the count by plain loops: the free squares, the line that takes four, and
+/// the recount without the loose figures next to the king.
+int SlowSurroundFree(const TChessboard& board, int nLimit)
+{
+    TSlowPosition slow(board.m_board, EColour::White);
+    const int king = board.BlackKing();
+    slow.m_aBoard[king] = NO_FIGURE;
+    const auto freeSquares = [&] {
+        std::vector<int> vecFree;
+        for (int square = 0; square < 64; ++square) {
+            if (Distance(square, king) == 1 && !slow.HasColour(square, EColour::Black) &&
+                slow.Attackers(square, EColour::White).empty())
+                vecFree.push_back(square);
+        }
+        return vecFree;
+    };
+    const std::vector<int> vecFree = freeSquares();
+    const int nFree = static_cast<int>(vecFree.size());
+    if (nFree <= nLimit)
+        return nFree;
+    const TSlowPosition withKing(board.m_board, EColour::White);
+    for (int from = 0; from < 64 && nFree == 4 && nLimit == 3; ++from) {
+        if (!slow.HasColour(from, EColour::White) ||
+            (slow.KindOf(from) != KIND_QUEEN && slow.KindOf(from) != KIND_ROOK))
+            continue;
+        for (int to = 0; to < 64; ++to) {
+            if (!withKing.IsPseudoLegal(from, to))
+                continue;
+            TSlowPosition after = slow;
+            after.Play({static_cast<std::uint8_t>(from), static_cast<std::uint8_t>(to), 0, 0});
+            for (const int fourth : vecFree) {
+                const auto onLine = [&](bool bFile) {
+                    return std::all_of(vecFree.begin(), vecFree.end(), [&](int square) {
+                        return (square == fourth) !=
+                               (bFile ? FileOf(square) == FileOf(to) : RowOf(square) == RowOf(to));
+                    });
+                };
+                if ((onLine(true) || onLine(false)) && after.Attacks(to, fourth))
+                    return 3;
+            }
+        }
+    }
+    std::vector<int> vecLoose;
+    for (int square = 0; square < 64; ++square) {
+        if (Distance(square, king) == 1 && slow.HasColour(square, EColour::Black) &&
+            withKing.Attackers(square, EColour::Black).size() == 1 &&
+            slow.Attackers(square, EColour::White).size() >= 2)
+            vecLoose.push_back(square);
+    }
+    for (const int square : vecLoose)
+        slow.m_aBoard[square] = NO_FIGURE;
+    return static_cast<int>(freeSquares().size());
+}
+
+TEST(KingHooks, SurroundCountAgreesWithPlainLoops)
+{
+    std::mt19937 random(8);
+    int nLowered = 0;
+    for (int i = 0; i < 20000; ++i) {
+        const TChessboard board = RandomPosition(random, 4 + i % 20);
+        const int nLimit = i % 4 == 0 ? 2 : 3;
+        const int nSlow = SlowSurroundFree(board, nLimit);
+        EXPECT_EQ(CountSurroundFree(board, nLimit, ESurroundRule::None), nSlow)
+            << WriteFen(board, true);
+        nLowered += nSlow < FreeKingSquares(board);
+        for (const ESurroundRule rule : {ESurroundRule::Plain, ESurroundRule::HeavyFigures,
+                                         ESurroundRule::Queens, ESurroundRule::InCheck})
+            EXPECT_LE(CountSurroundFree(board, nLimit, rule), nSlow) << WriteFen(board, true);
+    }
+    EXPECT_GT(nLowered, 50);
+}
+
+TEST(KingHooks, CasesAfterWhitesMove)
+{
+    struct TWhiteCase
+    {
+        const char* m_pName;
+        const char* m_pFen;
+        const char* m_pMove;
+        bool m_bStrict;
+        std::uint16_t m_nFlags;
+        bool m_bDoubtful;
+    };
+    constexpr std::uint16_t FEW = TChessboard::POSITION_FEWFIGURES;
+    constexpr std::uint16_t BARE = TChessboard::POSITION_BAREBLACKKING;
+    const TWhiteCase aCases[] = {
+        {"strict, three free", "3k4/8/4K3/8/8/8/1R6/8 w - - 0 1", "b2a2", true, 0, true},
+        {"strict, two free", "3k4/8/4K3/8/8/8/2R5/8 w - - 0 1", "c2c1", true, 0, false},
+        {"three free", "3k4/8/4K3/8/8/8/1B6/8 w - - 0 1", "b2a1", false, 0, true},
+        {"three free in check", "3k4/8/4K3/8/8/8/1B6/8 w - - 0 1", "b2f6", false, 0, false},
+        {"figure captured", "3k4/8/4K3/8/8/8/1B6/n7 w - - 0 1", "b2a1", false, 0, false},
+        {"few minor figures", "3k4/8/4K3/8/8/8/1B6/8 w - - 0 1", "b2a1", false, FEW, false},
+        {"bare king", "3k4/8/4K3/8/8/8/1B6/8 w - - 0 1", "b2a1", false, BARE, false},
+        {"queen captured", "3k4/8/8/8/8/8/1Q6/q2K4 w - - 0 1", "b2a1", false, 0, false},
+        {"queen far off", "8/8/3k4/8/8/8/1Q6/3K4 w - - 0 1", "b2a1", false, 0, true},
+    };
+    for (const TWhiteCase& test : aCases) {
+        SCOPED_TRACE(test.m_pName);
+        std::string strFen = test.m_pFen;
+        THookLine line(strFen, 9, test.m_pMove, SURROUND);
+        line.m_context.m_bSurroundedStrict = test.m_bStrict;
+        line.m_pLast->m_nPositionFlags = test.m_nFlags;
+        const TState before(line);
+        EXPECT_EQ(IsWhiteMoveDoubtful(*line.m_pLast), test.m_bDoubtful);
+        EXPECT_EQ(TState(line), before);
+        EXPECT_EQ(line.Cuts(), test.m_bDoubtful);
+    }
+}
+
+} // namespace
+} // namespace corvina

@@ -1,0 +1,242 @@
+#include "chess/fen.h"
+#include "chess/notation.h"
+#include "heuristics/relaxplan.h"
+#include "heuristics/setreader.h"
+#include "heuristics/settext.h"
+#include "search/rootsetup.h"
+#include "search/solve.h"
+#include "support/data.h"
+#include "support/positions.h"
+#include "support/slowchess.h"
+
+#include <gtest/gtest.h>
+
+#include <bit>
+
+namespace corvina
+{
+namespace
+{
+
+/// Each heuristic about the kings in each form of its parameters.
+constexpr const char* g_aForms[] = {
+    "SH_AREKINGSNEAR",
+    "SH_DONTRECEDEBLACKKING",
+    "SH_KEEPKINGNEARCORNER(1S)",
+    "SH_KEEPKINGNEARCORNER(3S)",
+    "SH_KEEPKINGNEARCORNER(1M)",
+    "SH_KEEPKINGNEARCORNER(2M)",
+    "SH_KEEPKINGONTHEEDGE",
+    "SH_KEEPKINGONTHEEDGE(incl.corner)",
+    "SH_KEEPKINGONTHEEDGE(C1)",
+    "SH_KEEPKINGONTHEEDGE(C2f)",
+    "SH_KEEPKINGONTHEEDGE(A)",
+    "SH_KEEPKINGONTHEEDGE(C1,D1,M1)",
+    "SH_KEEPKINGONTHEEDGE(C1,A,D1,M1)",
+    "SH_DONTLETKINGMOVE",
+    "SH_DONTLETKINGMOVE(excptns)",
+    "SH_KEEPKINGWITHINEXTEDGE",
+    "SH_KEEPKINGWITHINEXTEDGE(incl.corner)",
+    "SH_KEEPKINGWITHINEXTEDGE(C1f)",
+    "SH_KEEPKINGWITHINEXTEDGE(C1,D1,M1)",
+    "SH_KEEPKINGWITHINEXTEDGE(A)",
+    "SH_KEEPKINGWITHINEXTEDGE(strict)",
+    "SH_ASSERTBLACKKINGSURROUNDED",
+    "SH_ASSERTBLACKKINGSURROUNDED(strict)",
+};
+
+struct TRunOf
+{
+    std::vector<std::string> m_vecSolutions;
+    std::vector<TPassReport> m_vecPasses;
+    std::array<std::uint64_t, 32> m_anCuts{};
+    bool m_bDoubtful = false;
+};
+
+/// All solutions, by way of the set; "none" is the yardstick.
+TRunOf SolveWith(const TChessboard& board, int nMate, const std::string& strSet, int nThreads = 1,
+                 bool bRunPass2 = true)
+{
+    TSolveRequest request;
+    *request.m_pChessboard = board;
+    request.SetMateIn(nMate);
+    ReadHeuristicsText(strSet, request.m_heuristicSet, &board);
+    request.m_heuristicSet.m_params.m_bRunPass2 = bRunPass2;
+    request.m_nMinRegisterPlies = 0;
+    TRunOf run;
+    request.OnPassEnd = [&](const TPassReport& report) { run.m_vecPasses.push_back(report); };
+    TRunSettings settings;
+    settings.m_nThreads = nThreads;
+    settings.m_bQuickMode = nMate % 2 == 0;
+    run.m_vecSolutions = SortedTexts(Solve(request, settings).m_vecSolutions);
+    run.m_anCuts = request.m_anCuts;
+    run.m_bDoubtful = request.m_bDoubtful;
+    return run;
+}
+
+struct TTask
+{
+    TChessboard m_board;
+    int m_nMate;
+    std::vector<std::string> m_vecSolutions;
+};
+
+std::vector<TTask> RandomTasks(unsigned nSeed, std::initializer_list<int> anTasksByMate)
+{
+    std::mt19937 random(nSeed);
+    std::vector<TTask> vecTasks;
+    int nMate = 1;
+    for (const int nTasks : anTasksByMate) {
+        ++nMate;
+        for (int i = 0; i < nTasks; ++i) {
+            TTask task{
+                i % 4 ? ComposedPosition(random) : RandomPosition(random, 4 + i % 8), nMate, {}};
+            task.m_vecSolutions = SolveWith(task.m_board, nMate, "none").m_vecSolutions;
+            vecTasks.push_back(task);
+        }
+    }
+    return vecTasks;
+}
+
+/// Those of the data folder, if there is one, that are soon solved.
+void AddDataTasks(std::vector<TTask>& vecTasks)
+{
+    constexpr int MAX_MATE_TESTED = 4;
+    if (!HasDataFolder())
+        return;
+    for (const TAnsweredTask& answered : ReadAnsweredTasks("mates-dev.tsv")) {
+        if (answered.m_nMate > MAX_MATE_TESTED)
+            continue;
+        TTask task{{}, answered.m_nMate, {}};
+        EXPECT_TRUE(ReadFen(task.m_board, answered.m_strFen));
+        task.m_vecSolutions = SolveWith(task.m_board, task.m_nMate, "none").m_vecSolutions;
+        EXPECT_EQ(task.m_vecSolutions.size(), answered.m_vecKeys.size());
+        vecTasks.push_back(task);
+    }
+}
+
+std::string Describe(const TTask& task, const std::string& strSet)
+{
+    return WriteFen(task.m_board, true) + " #" + std::to_string(task.m_nMate) + " with " + strSet;
+}
+
+TEST(HeuristicsTruth, EachFormCutsAndChangesNoSolution)
+{
+    // A deferred check falls due in the fifth move at the earliest.
+    std::vector<TTask> vecTasks = RandomTasks(3, {400, 300, 40, 12});
+    AddDataTasks(vecTasks);
+    for (const char* pForm : g_aForms) {
+        THeuristicSet set;
+        ReadHeuristicsText(pForm, set);
+        const int nBit = std::countr_zero(set.m_nHeuristics);
+        std::uint64_t nCuts = 0;
+        for (const TTask& task : vecTasks) {
+            const TRunOf run = SolveWith(task.m_board, task.m_nMate, pForm);
+            nCuts += run.m_anCuts[nBit];
+            ASSERT_EQ(run.m_vecSolutions, task.m_vecSolutions) << Describe(task, pForm);
+        }
+        EXPECT_GT(nCuts, 0u) << pForm;
+    }
+}
+
+/// Two or three forms of different heuristics, none of which excludes another.
+std::string RandomForms(std::mt19937& random)
+{
+    for (;;) {
+        std::string strSet;
+        const unsigned nForms = 2 + random() % 2;
+        for (unsigned i = 0; i < nForms; ++i)
+            strSet += (i ? ", " : "") + std::string(g_aForms[random() % std::size(g_aForms)]);
+        THeuristicSet set;
+        try {
+            ReadHeuristicsText(strSet, set);
+        }
+        catch (const ChessException&) {
+            continue;
+        }
+        if (std::popcount(set.m_nHeuristics) > 1)
+            return strSet;
+    }
+}
+
+TEST(HeuristicsTruth, RandomSetsChangeNoSolution)
+{
+    std::mt19937 random(11);
+    for (const TTask& task : RandomTasks(4, {300, 200, 20})) {
+        for (int i = 0; i < 4; ++i) {
+            const std::string strSet = RandomForms(random);
+            const int nThreads = 1 + i % 2 * 3;
+            ASSERT_EQ(SolveWith(task.m_board, task.m_nMate, strSet, nThreads).m_vecSolutions,
+                      task.m_vecSolutions)
+                << Describe(task, strSet);
+        }
+    }
+}
+
+TEST(HeuristicsTruth, WithoutTheLastPassOnlyDoubtsAreLeft)
+{
+    std::mt19937 random(12);
+    int nDoubtful = 0;
+    for (const TTask& task : RandomTasks(5, {300, 100})) {
+        const std::string strSet = RandomForms(random);
+        const TRunOf run = SolveWith(task.m_board, task.m_nMate, strSet, 1, false);
+        nDoubtful += run.m_bDoubtful;
+        EXPECT_TRUE(std::includes(task.m_vecSolutions.begin(), task.m_vecSolutions.end(),
+                                  run.m_vecSolutions.begin(), run.m_vecSolutions.end()))
+            << Describe(task, strSet);
+        if (!run.m_bDoubtful) {
+            EXPECT_EQ(run.m_vecSolutions, task.m_vecSolutions) << Describe(task, strSet);
+        }
+    }
+    EXPECT_GT(nDoubtful, 10);
+}
+
+/// Without the item that tells of Quick mode.
+std::string PlainText(std::string strSet)
+{
+    const auto position = strSet.find(", " + std::string(TEXT_QUICK_MODE));
+    return position == std::string::npos ? strSet : strSet.substr(0, position);
+}
+
+/// The sets of the passes by the plan, that of the last pass included.
+std::vector<std::string> PlannedSets(TSolveRequest& request)
+{
+    TChessboard& root = *request.m_pChessboard;
+    root.m_pRequest = &request;
+    root.CheckStartPosition(request.m_nRequestedMoves, true);
+    TakeUpHeuristics(root);
+    TThreadContext context(root.m_nInitialMoves);
+    PutOnThread(root, context);
+    std::vector<std::string> vecSets;
+    for (const std::string& strLine : Split(ComposeRelaxationPlan(root), '\n')) {
+        if (strLine.starts_with("Pass "))
+            vecSets.push_back(PlainText(strLine.substr(strLine.find(": ") + 2)));
+    }
+    vecSets.push_back("none");
+    return vecSets;
+}
+
+TEST(HeuristicsTruth, PassesGoTheWayOfThePlan)
+{
+    std::mt19937 random(13);
+    int nWhole = 0;
+    for (int i = 0; i < 300; ++i) {
+        const TChessboard board = ComposedPosition(random);
+        const std::string strSet = RandomForms(random);
+        const TRunOf run = SolveWith(board, 2, strSet);
+        TSolveRequest request;
+        *request.m_pChessboard = board;
+        request.SetMateIn(2);
+        ReadHeuristicsText(strSet, request.m_heuristicSet, &board);
+        const std::vector<std::string> vecPlan = PlannedSets(request);
+        ASSERT_LE(run.m_vecPasses.size(), vecPlan.size());
+        for (std::size_t k = 0; k < run.m_vecPasses.size(); ++k)
+            EXPECT_EQ(PlainText(run.m_vecPasses[k].m_strSet), vecPlan[k])
+                << WriteFen(board, true) << strSet;
+        nWhole += run.m_vecPasses.size() == vecPlan.size();
+    }
+    EXPECT_GT(nWhole, 40);
+}
+
+} // namespace
+} // namespace corvina
