@@ -20,6 +20,7 @@ constexpr int EXIT_STOPPED = 3;
 void AddSolveCommand(CLI::App& app, int& nExitCode);
 void AddDefendCommand(CLI::App& app, int& nExitCode);
 void AddPerftCommand(CLI::App& app, int& nExitCode);
+void AddPlanCommand(CLI::App& app, int& nExitCode);
 void AddIdCommand(CLI::App& app, int& nExitCode);
 void AddBenchCommand(CLI::App& app, int& nExitCode);
 void AddCheckCommand(CLI::App& app, int& nExitCode);

@@ -66,6 +66,12 @@ TEST(Cli, SolveExitCodesAndMessages)
         {"solve --help", 0, "--json"},
         {"--help", 0, "perft"},
         {"perft --version", 0, "corvina-cli "},
+        {"plan --fen k7/8/8/8/8/8/8/1R1K4 --mate 20 --heuristics SH_AREKINGSNEAR,SH_ZUGZWANG", 0,
+         "Pass 1: SH_AREKINGSNEAR, SH_ZUGZWANG\n\nPass 1b: SH_AREKINGSNEAR\n"},
+        {"plan --fen k7/8/8/8/8/8/8/1R1K4 --mate 20 --heuristics none", 0,
+         "No heuristics selected.\n"},
+        {"plan --fen k7/8/8/8/8/8/8/1R1K4 --mate 20 --heuristics SH_KEYLINE", 2,
+         "Invalid field Key line\n"},
         {"nonsense", 2, "A subcommand is required"},
     };
     for (const TCase& test : aCases) {
