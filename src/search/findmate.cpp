@@ -277,7 +277,6 @@ void PrepareRegister(TSolveRequest& request)
     if (!request.m_bUseRegister || request.m_bPlain)
         return;
     auto& reg = request.m_TemporaryRegister;
-    reg.SetPosition(request.m_pChessboard->m_board);
     if (request.m_bClearRegister)
         reg.Clear(TAggregatedTemporaryChessboardRegister::CLEAR_EVERYTHING, true);
     TAggregatedTemporaryChessboardRegister::ResetSweepDepth();

@@ -63,6 +63,8 @@ TSolveOutcome Solve(TSolveRequest& request, const TRunSettings& settings)
     TChessboard& root = *request.m_pChessboard;
     root.m_pRequest = &request;
     root.CheckStartPosition(request.m_nRequestedMoves, true);
+    // Solved positions of another problem are of no use here.
+    request.m_TemporaryRegister.SetPosition(root.m_board);
 
     const TFoundSolutionsHold hold;
     request.m_pFoundSolutions = request.m_nSearchMode & SEARCH_ALL ? hold.get() : nullptr;

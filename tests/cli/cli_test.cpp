@@ -184,7 +184,7 @@ TEST(Cli, SamplesSolveAndIdRoundTrips)
 /// Each sample is solved as its answer says.
 TEST(Cli, SampleProblems)
 {
-    const TRun run = RunCli("solve " CORVINA_SAMPLES "/sample_problems.cp --json");
+    const TRun run = RunCli("solve " CORVINA_SAMPLES "/sample_problems.cp --json 2>/dev/null");
     EXPECT_EQ(run.m_nExitCode, 0);
     std::istringstream lines(run.m_strOutput);
     int nCompared = 0, nSkipped = 0;
@@ -196,6 +196,26 @@ TEST(Cli, SampleProblems)
     }
     EXPECT_GE(nCompared, 40);
     EXPECT_EQ(nSkipped, 3);
+}
+
+TEST(Cli, PassesOfARun)
+{
+    const std::string strTask =
+        "solve --fen 8/2N5/8/8/8/1p6/1p6/1k1K3R --mate 6 --heuristics \"SH_DONTLETKINGMOVE\" ";
+    const auto line = nlohmann::json::parse(RunCli(strTask + "--json 2>/dev/null").m_strOutput);
+    EXPECT_EQ(line["solutions"].dump(), "[\"Rh1-h8\"]");
+    ASSERT_GT(line["passes"].size(), 2u);
+    EXPECT_EQ(line["passes"][0]["pass"], "1");
+    EXPECT_EQ(line["passes"][1]["pass"], "1b");
+    EXPECT_EQ(line["passes"].back()["heuristics"], "none");
+
+    const TRun cut = RunCli("solve --fen 8/8/8/4k3/8/4K3/Q7/8 --mate 3 --no-pass2 --no-relax "
+                            "--heuristics \"SH_KEEPKINGNEARCORNER(1M)\"");
+    EXPECT_EQ(cut.m_nExitCode, 3);
+    EXPECT_NE(cut.m_strOutput.find("no solution found"), std::string::npos) << cut.m_strOutput;
+    EXPECT_NE(cut.m_strOutput.find("has been skipped (on user's request)"), std::string::npos);
+    EXPECT_EQ(RunCli("solve --fen 8/8/8/4k3/8/4K3/Q7/8 --mate 2 --heuristics SH_NONE").m_nExitCode,
+              2);
 }
 
 TEST(Cli, ProblemFiles)
