@@ -5,7 +5,6 @@
 #include "search/threadcontext.h"
 
 #include <algorithm>
-#include <utility>
 
 namespace corvina
 {
@@ -46,16 +45,16 @@ bool HasFlag(const TChessboard& board, std::uint16_t nFlag)
 /// that the search has begun by those at the root, and where they have come to since.
 void FoldUnblockList(TFold& fold, const THeuristicsParams& p)
 {
-    std::pair<std::int8_t, std::int8_t> aFigures[MAX_UNBLOCK_FIGURES];
     const int nFigures = std::clamp<int>(p.m_nUnblockFigures, 0, MAX_UNBLOCK_FIGURES);
+    std::uint32_t nSum = 0;
     for (int i = 0; i < nFigures; ++i) {
-        const std::int8_t square = p.m_unblockSquares[i];
-        aFigures[i] = {p.m_bUnblockListSet ? square : p.m_unblockSquaresAtRoot[i], square};
+        TFold figure;
+        figure.Add(p.m_bUnblockListSet ? p.m_unblockSquares[i] : p.m_unblockSquaresAtRoot[i],
+                   p.m_unblockSquares[i]);
+        nSum += figure.Mixed();
     }
-    std::sort(aFigures, aFigures + nFigures);
-    fold.Add(p.m_bUnblockOneSquare, p.m_bUnblockListSet, nFigures);
-    for (int i = 0; i < nFigures; ++i)
-        fold.Add(aFigures[i].first, aFigures[i].second);
+    fold.Add(p.m_bUnblockOneSquare, p.m_bUnblockListSet, nFigures, nSum, nSum >> 8, nSum >> 16,
+             nSum >> 24);
 }
 
 /// What lets the two edge heuristics give way within a line. The deadline counts only where a check

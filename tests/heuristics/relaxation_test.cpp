@@ -33,6 +33,9 @@ std::vector<std::pair<int, std::uint32_t>> RelaxToTheEnd(TSetPosition& t)
             return vecSteps;
         EXPECT_NE(t.board.m_nHeuristics, 0U);
         EXPECT_EQ(t.board.m_nHeuristicsParams, ComputeHeurParams(t.board));
+        EXPECT_EQ(std::memcmp(t.board.m_trackedSquares, t.context.m_unblockSquares,
+                              sizeof t.board.m_trackedSquares),
+                  0);
         vecSteps.emplace_back(nResult, t.board.m_nHeuristicsParams);
     }
     ADD_FAILURE() << "no end";

@@ -48,6 +48,30 @@ TEST(SetText, RandomSetsAreReadBack)
     EXPECT_GT(nWithLists, 300);
 }
 
+TEST(SetText, DamagedTextsAreRefusedOrMeanSomething)
+{
+    std::mt19937 random(17);
+    TSetPosition t(RandomPosition(random, 16));
+    int nRead = 0;
+    for (int i = 0; i < 20000; ++i) {
+        t.Apply(RandomTellableSet(random, t.board));
+        std::string strText = GetHeuristicsText(t.board, true);
+        for (std::size_t n = random() % 3 + 1; n > 0; --n)
+            strText[random() % strText.size()] = "(),-SsMC019# "[random() % 13];
+        THeuristicSet set;
+        if (!FailureText([&] { ReadHeuristicsText(strText, set, &t.board); }).empty())
+            continue;
+        ++nRead;
+        t.Apply(set);
+        const std::string strRead = GetHeuristicsText(t.board, false);
+        THeuristicSet again;
+        ASSERT_EQ(FailureText([&] { ReadHeuristicsText(strRead, again, &t.board); }), "")
+            << strText;
+        ASSERT_EQ(again.m_nHeuristics, set.m_nHeuristics);
+    }
+    EXPECT_GT(nRead, 500);
+}
+
 /// White rook h1 pins the knight h5 and the bishop d4 the rook f6 to the Black king h8.
 constexpr const char* BOARD = "7k/5p2/5r2/7n/3B3q/8/4b3/K6R";
 constexpr const char* PINS = "7k/5p2/5r2/7n/3B4/8/4b3/K6R";
