@@ -2,6 +2,7 @@
 #include "heuristics/kingblocks.h"
 #include "heuristics/kingsurroundings.h"
 #include "heuristics/kingtailored.h"
+#include "heuristics/relaxpredicates.h"
 
 namespace corvina
 {
@@ -59,7 +60,7 @@ bool IsCapturerLost(const TBlackMove& move)
 
 bool IsBareKingInPocket(const TChessboard& board)
 {
-    return BlackFigures(board) == 0 && board.m_nBlackPawns == 0 && CountFreeInBox(board) < 4;
+    return BlackFigures(board) == 0 && board.m_nBlackPawns == 0 && CountFreeInBox(board, 2) < 4;
 }
 
 /// White stands in check by Black's only figure, which it can take.

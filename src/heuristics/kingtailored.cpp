@@ -160,11 +160,6 @@ bool IsKingBoxOpen(const TChessboard& board, int nDistance)
     return nDistance == 1 ? FreeKingSquareSet(board) != 0 : ReachOfTwo(board) != 0;
 }
 
-int CountFreeInBox(const TChessboard& board)
-{
-    return std::popcount(FreeBox(board));
-}
-
 bool IsFirstWhiteMoveEscape(const TChessboard& board, int nLimit)
 {
     return board.m_nInitialMoves - board.m_nMoves <= 2 &&

@@ -47,9 +47,6 @@ bool IsSurroundStillTight(const TChessboard& board);
 /// The Black king can reach a square at the given distance, 1 or 2, over free squares.
 bool IsKingBoxOpen(const TChessboard& board, int nDistance);
 
-/// Squares of the box of two around the Black king that are free for it.
-int CountFreeInBox(const TChessboard& board);
-
 /// White has made one move, and the king had too many free squares in the root position: White
 /// hasn't had the time to close the net.
 bool IsFirstWhiteMoveEscape(const TChessboard& board, int nLimit);

@@ -84,17 +84,15 @@ struct THookLine
 struct TState
 {
     std::array<std::byte, sizeof(TChessboard)> m_record;
-    std::vector<std::byte> m_params;
+    THeuristicsParams m_params;
     std::vector<std::uint16_t> m_vecNotes;
 
     explicit TState(const THookLine& line)
     {
         std::memcpy(m_record.data(), line.m_pLast, sizeof(TChessboard));
         const TThreadContext& context = line.m_context;
-        THeuristicsParams params = context;
-        params.m_nDeferDeadline = 0;
-        m_params.resize(sizeof params);
-        std::memcpy(m_params.data(), &params, sizeof params);
+        m_params = context;
+        m_params.m_nDeferDeadline = 0;
         m_vecNotes.assign(context.m_anRepeatDepth.begin(), context.m_anRepeatDepth.end());
         m_vecNotes.insert(m_vecNotes.end(),
                           {context.m_nQuickerMateNesting, context.m_bNoQuickerMate,
@@ -235,6 +233,11 @@ const TCase g_aCases[] = {
     {"one shuttled", "4k3/8/8/8/8/8/R7/4K3 w - - 0 1", 9, "a2a3 e8f8 a3a4 f8e8", EDGE, Nothing, 1},
     {"figure won", "4k3/8/8/8/8/n7/R7/4K3 w - - 0 1", 9, "a2a3 e8f8", EDGE, Nothing, 0},
     {"standing pawn won", "4k3/8/8/8/8/p7/R7/4K3 w - - 0 1", 9, "a2a3 e8f8", EDGE, Nothing, 1},
+    {"arriving pawn won", "4k3/8/8/8/p7/8/R7/4K3 w - - 0 1", 9, "e1e2 a4a3 a2a3 e8f8", EDGE,
+     Nothing, 0},
+    {"a pawn mates", "8/1P6/k1K5/8/8/8/8/8 w - - 0 1", 9, "c6c7 a6a7", EDGE, Nothing, 0},
+    {"a pawn promotes too late", "8/1P6/8/8/8/2k5/8/7K w - - 0 1", 9, "h1h2 c3d4", EDGE, Nothing,
+     1},
     {"exchange", "4k3/8/8/8/2n5/N7/RP6/4K3 w - - 0 1", 9, "e1e2 c4a3 b2a3 e8f8", EDGE, Nothing, 1},
     {"pawn let through", "k7/P2K4/8/8/8/8/7B/8 w - - 0 1", 9, "h2g3 a8a7", EDGE, Nothing, 1},
     {"promotion square left", "1k6/1P6/8/2K5/8/8/5B2/8 w - - 0 1", 9, "f2g3 b8a7", EDGE, Nothing,
