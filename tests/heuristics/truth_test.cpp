@@ -223,19 +223,22 @@ TEST(HeuristicsTruth, PassesGoTheWayOfThePlan)
     for (int i = 0; i < 300; ++i) {
         const TChessboard board = ComposedPosition(random);
         const std::string strSet = RandomForms(random);
-        const TRunOf run = SolveWith(board, 2, strSet);
+        const TRunOf run = SolveWith(board, 3, strSet), again = SolveWith(board, 3, strSet);
+        ASSERT_EQ(run.m_vecPasses.size(), again.m_vecPasses.size());
         TSolveRequest request;
         *request.m_pChessboard = board;
-        request.SetMateIn(2);
+        request.SetMateIn(3);
         ReadHeuristicsText(strSet, request.m_heuristicSet, &board);
         const std::vector<std::string> vecPlan = PlannedSets(request);
         ASSERT_LE(run.m_vecPasses.size(), vecPlan.size());
-        for (std::size_t k = 0; k < run.m_vecPasses.size(); ++k)
+        for (std::size_t k = 0; k < run.m_vecPasses.size(); ++k) {
             EXPECT_EQ(PlainText(run.m_vecPasses[k].m_strSet), vecPlan[k])
                 << WriteFen(board, true) << strSet;
+            EXPECT_EQ(run.m_vecPasses[k].m_nDecided, again.m_vecPasses[k].m_nDecided);
+        }
         nWhole += run.m_vecPasses.size() == vecPlan.size();
     }
-    EXPECT_GT(nWhole, 40);
+    EXPECT_GT(nWhole, 60);
 }
 
 } // namespace

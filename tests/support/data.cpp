@@ -138,8 +138,9 @@ TChessboard TryComposedPosition(std::mt19937& random)
     if (nKind == 0)
         PutCastlingFigures(board, random);
     int file = static_cast<int>(random() % 8), row = static_cast<int>(random() % 8);
+    const int nEdge = random() % 2 ? 0 : 7;
     if (nKind != 3)
-        (random() % 2 ? file : row) = random() % 2 ? 0 : 7;
+        (random() % 2 ? file : row) = nEdge;
     if (Has(board, BLACK_KING))
         file = 4, row = 7;
     PutIfEmpty(board, file, row, BLACK_KING);
