@@ -125,12 +125,12 @@ private:
         auto& reg = m_request.m_TemporaryRegister;
         const std::uint32_t nMask = m_board.m_nHeuristics;
         const std::uint32_t nParams = m_board.m_nHeuristicsParams;
-        if (nMask)
-            reg.RemoveDoubtful(nMask, nParams);
         const int nRelaxed = nMask ? TryRelaxSpecialHeuristics(m_board) : 0;
-        // Another thread may be refused this step, and goes on with the set.
+        // A step that depends on time may be refused to another thread, which goes on with the set.
         if (nRelaxed < 0)
             reg.KeepDoubtful(nMask, nParams);
+        else if (nMask)
+            reg.RemoveDoubtful(nMask, nParams);
         if (!nRelaxed)
             DropHeuristics(m_board);
     }
