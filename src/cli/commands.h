@@ -16,6 +16,7 @@ constexpr int EXIT_SOLVED = 0;
 constexpr int EXIT_NO_SOLUTION = 1;
 constexpr int EXIT_BAD_INPUT = 2;
 constexpr int EXIT_STOPPED = 3;
+constexpr int EXIT_WRONG_KEY = 4; ///< of --verify
 
 void AddSolveCommand(CLI::App& app, int& nExitCode);
 void AddDefendCommand(CLI::App& app, int& nExitCode);

@@ -24,7 +24,7 @@ int main(int argc, char** argv)
     app.set_version_flag("--version", "corvina-cli " CORVINA_VERSION);
     app.require_subcommand(1);
     app.footer("Exit codes: 0 solved (or done), 1 no solution, 2 bad input, 3 stopped before an "
-               "answer.");
+               "answer, 4 a key that --verify has refuted.");
     int nExitCode = 0;
     corvina::AddSolveCommand(app, nExitCode);
     corvina::AddDefendCommand(app, nExitCode);

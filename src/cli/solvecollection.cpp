@@ -43,21 +43,13 @@ EVerdict Compare(const TSolveRequest& request, const TSolveOutcome& outcome)
                                                                  : EVerdict::Differs;
 }
 
-std::string Joined(const std::vector<std::string>& vecTexts)
-{
-    std::string strText;
-    for (const std::string& strPart : vecTexts)
-        strText += (strText.empty() ? "" : ", ") + strPart;
-    return strText;
-}
-
 std::string VerdictText(const TSolveRequest& request, EVerdict verdict)
 {
     if (verdict == EVerdict::NoAnswer)
         return "";
     if (verdict == EVerdict::Agrees)
         return ", as in the answer";
-    const std::string strAnswer = Joined(MoveTexts(request, request.m_vecExpectedSolutions));
+    const std::string strAnswer = Joined(MoveTexts(request, request.m_vecExpectedSolutions), ", ");
     return ", but the answer is " + (strAnswer.empty() ? "no solution" : strAnswer);
 }
 
@@ -81,7 +73,8 @@ nlohmann::ordered_json JsonHead(const TProblem& problem)
 }
 
 void PrintResult(const TSolveRequest& request, const TSolveOutcome& outcome, EVerdict verdict,
-                 const std::vector<TPassReport>& vecPasses, const TSolveOptions& options)
+                 const std::vector<TPassReport>& vecPasses,
+                 const std::vector<TVerifiedKey>& vecKeys, const TSolveOptions& options)
 {
     if (!options.m_bJson) {
         PrintHead(request);
@@ -90,11 +83,12 @@ void PrintResult(const TSolveRequest& request, const TSolveOutcome& outcome, EVe
                     outcome.m_elapsed.count(),
                     static_cast<unsigned long long>(request.m_nPositions));
         PrintNotes(request, outcome);
+        PrintVerification(vecKeys);
         return;
     }
     nlohmann::ordered_json line = JsonHead(request);
     line["mate"] = request.GetStipulation();
-    AddResultTo(line, request, outcome, vecPasses);
+    AddResultTo(line, request, outcome, vecPasses, vecKeys);
     if (verdict != EVerdict::NoAnswer)
         line["asAnswer"] = verdict == EVerdict::Agrees;
     std::printf("%s\n", line.dump().c_str());
@@ -114,11 +108,11 @@ void PrintSkipped(const TProblem& problem, const std::string& strReason,
     std::printf("%s\n", line.dump().c_str());
 }
 
-/// Of two exit codes the one that the user should see: bad input outweighs a stop, a stop a
-/// solution that is missing.
+/// Of two exit codes the one that the user should see: a wrong key outweighs bad input, bad input a
+/// stop, a stop a solution that is missing.
 int WorseExitCode(int a, int b)
 {
-    constexpr int aRank[] = {0, 1, 3, 2};
+    constexpr int aRank[] = {0, 1, 3, 2, 4};
     return aRank[a] >= aRank[b] ? a : b;
 }
 
@@ -140,8 +134,9 @@ public:
             std::vector<TPassReport> vecPasses;
             const TSolveOutcome outcome = SolveWithOptions(request, m_options, vecPasses);
             const EVerdict verdict = Compare(request, outcome);
-            PrintResult(request, outcome, verdict, vecPasses, m_options);
-            Count(verdict, ExitCode(outcome, verdict));
+            const auto vecKeys = VerifySolutions(request, outcome, m_options);
+            PrintResult(request, outcome, verdict, vecPasses, vecKeys, m_options);
+            Count(verdict, WithVerification(ExitCode(outcome, verdict), vecKeys));
         }
         catch (const ChessException& error) {
             PrintSkipped(request, error.what(), m_options);

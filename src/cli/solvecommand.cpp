@@ -30,22 +30,24 @@ struct TSolveArguments
 };
 
 void PrintJson(const TTask& task, const TSolveRequest& request, const TSolveOutcome& outcome,
-               const std::vector<TPassReport>& vecPasses)
+               const std::vector<TPassReport>& vecPasses, const std::vector<TVerifiedKey>& vecKeys)
 {
     nlohmann::ordered_json line;
     line["fen"] = task.m_strFen;
     line["mate"] = task.m_nMate;
-    AddResultTo(line, request, outcome, vecPasses);
+    AddResultTo(line, request, outcome, vecPasses, vecKeys);
     std::printf("%s\n", line.dump().c_str());
 }
 
-void PrintText(const TTask& task, const TSolveRequest& request, const TSolveOutcome& outcome)
+void PrintText(const TTask& task, const TSolveRequest& request, const TSolveOutcome& outcome,
+               const std::vector<TVerifiedKey>& vecKeys)
 {
     std::printf("%s  #%d\n", task.m_strFen.c_str(), task.m_nMate);
     PrintSolutions(request, outcome);
     std::printf(", %.3f s, %llu positions\n", outcome.m_elapsed.count(),
                 static_cast<unsigned long long>(request.m_nPositions));
     PrintNotes(request, outcome);
+    PrintVerification(vecKeys);
 }
 
 /// Solves one task and prints it. Throws ChessException.
@@ -56,19 +58,20 @@ int SolveTask(const TTask& task, const TSolveOptions& options)
     request.SetMateIn(task.m_nMate);
     std::vector<TPassReport> vecPasses;
     const TSolveOutcome outcome = SolveWithOptions(request, options, vecPasses);
+    const auto vecKeys = VerifySolutions(request, outcome, options);
     if (options.m_bJson)
-        PrintJson(task, request, outcome, vecPasses);
+        PrintJson(task, request, outcome, vecPasses, vecKeys);
     else
-        PrintText(task, request, outcome);
+        PrintText(task, request, outcome, vecKeys);
     std::fflush(stdout);
-    return ExitCodeOf(outcome);
+    return WithVerification(ExitCodeOf(outcome), vecKeys);
 }
 
-/// The exit code of a list: bad input outweighs a stop, a stop a solution, and "no solution" stands
-/// only when no position has one.
+/// The exit code of a list: a wrong key outweighs bad input, bad input a stop, a stop a solution,
+/// and "no solution" stands only when no position has one.
 int JoinedExitCode(int a, int b)
 {
-    constexpr int aRank[] = {1, 0, 3, 2};
+    constexpr int aRank[] = {1, 0, 3, 2, 4};
     return aRank[a] >= aRank[b] ? a : b;
 }
 

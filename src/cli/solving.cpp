@@ -4,6 +4,10 @@
 #include "cli/commands.h"
 #include "cli/task.h"
 #include "heuristics/setreader.h"
+#include "platform/watchdog.h"
+
+#include <CLI/CLI.hpp>
+#include <nlohmann/json.hpp>
 
 #include <cstdio>
 
@@ -67,6 +71,8 @@ void AddSolveOptions(CLI::App& command, TSolveOptions& options)
         ->check(CLI::Range(1, 16));
     command.add_flag("--no-register", options.m_bNoRegister,
                      "search without memory of positions, for comparison");
+    command.add_flag("--verify", options.m_bVerify,
+                     "walk the proof of each key: every defence, down to the mate");
     command.add_flag("--plain", options.m_bPlain, "search by the plain recursion, for comparison");
 }
 
@@ -90,6 +96,14 @@ TSolveOutcome SolveWithOptions(TSolveRequest& request, const TSolveOptions& opti
 
     const auto pWatchdog = StopAfter(request, options.m_dSeconds);
     return Solve(request, settings);
+}
+
+std::string Joined(const std::vector<std::string>& vecTexts, const char* pSeparator)
+{
+    std::string strText;
+    for (const std::string& strPart : vecTexts)
+        strText += (strText.empty() ? "" : pSeparator) + strPart;
+    return strText;
 }
 
 std::vector<std::string> MoveTexts(const TProblem& problem, const std::vector<TMove>& vecMoves)
@@ -118,12 +132,87 @@ int ExitCodeOf(const TSolveOutcome& outcome)
     return outcome.m_bDoubtful ? EXIT_STOPPED : EXIT_NO_SOLUTION;
 }
 
+namespace
+{
+
+std::vector<std::string> LineTexts(const TSolveRequest& request, const std::vector<TMove>& vecLine)
+{
+    std::vector<std::string> vecTexts;
+    TLineContext line(request.m_pChessboard->m_nMoves);
+    TChessboard root = *request.m_pChessboard;
+    root.m_pThread = &line;
+    TChessboard* pBoard = &root;
+    for (TMove move : vecLine) {
+        vecTexts.push_back(PrintMove(move, *pBoard));
+        TChessboard& child = line.MakeChild(*pBoard);
+        if (!(pBoard->IsWhiteToMove() ? child.MakeWhiteUserMove(&move)
+                                      : child.MakeBlackUserMove(&move)))
+            break;
+        pBoard = &child;
+    }
+    return vecTexts;
+}
+
+} // namespace
+
+std::vector<TVerifiedKey> VerifySolutions(TSolveRequest& request, const TSolveOutcome& outcome,
+                                          const TSolveOptions& options)
+{
+    std::vector<TVerifiedKey> vecKeys;
+    if (!options.m_bVerify || TWatchdog::WasInterrupted())
+        return vecKeys;
+    request.ClearStopState();
+    const auto pWatchdog = StopAfter(request, options.m_dSeconds);
+    for (const TMove& move : outcome.m_vecSolutions) {
+        TVerifiedKey key{PrintMove(move, *request.m_pChessboard), VerifyKey(request, move), {}};
+        key.m_vecRefutation = LineTexts(request, key.m_verification.m_vecRefutation);
+        vecKeys.push_back(key);
+    }
+    return vecKeys;
+}
+
+int WithVerification(int nExitCode, const std::vector<TVerifiedKey>& vecKeys)
+{
+    for (const TVerifiedKey& key : vecKeys) {
+        if (!key.m_verification.m_bHolds && !key.m_verification.m_bStopped)
+            return EXIT_WRONG_KEY;
+        if (!key.m_verification.m_bHolds)
+            nExitCode = EXIT_STOPPED;
+    }
+    return nExitCode;
+}
+
+void PrintVerification(const std::vector<TVerifiedKey>& vecKeys)
+{
+    for (const TVerifiedKey& key : vecKeys) {
+        const TVerification& verification = key.m_verification;
+        if (verification.m_bHolds)
+            std::printf("  1.%s verified: %llu positions with White to move, %llu mates\n",
+                        key.m_strKey.c_str(),
+                        static_cast<unsigned long long>(verification.m_nPositions),
+                        static_cast<unsigned long long>(verification.m_nMates));
+        else if (verification.m_bStopped)
+            std::printf("  1.%s not verified: stopped after %llu positions\n", key.m_strKey.c_str(),
+                        static_cast<unsigned long long>(verification.m_nPositions));
+        else
+            std::printf("  1.%s IS WRONG: White has no mate after %s\n", key.m_strKey.c_str(),
+                        Joined(key.m_vecRefutation, " ").c_str());
+    }
+}
+
 void AddResultTo(nlohmann::ordered_json& line, const TSolveRequest& request,
-                 const TSolveOutcome& outcome, const std::vector<TPassReport>& vecPasses)
+                 const TSolveOutcome& outcome, const std::vector<TPassReport>& vecPasses,
+                 const std::vector<TVerifiedKey>& vecKeys)
 {
     line["result"] = ResultWord(outcome);
     line["solutions"] = MoveTexts(request, outcome.m_vecSolutions);
     line["doubtful"] = outcome.m_bDoubtful;
+    for (const TVerifiedKey& key : vecKeys)
+        line["verified"].push_back({{"key", key.m_strKey},
+                                    {"holds", key.m_verification.m_bHolds},
+                                    {"stopped", key.m_verification.m_bStopped},
+                                    {"positions", key.m_verification.m_nPositions},
+                                    {"refutation", key.m_vecRefutation}});
     auto& passes = line["passes"] = nlohmann::ordered_json::array();
     for (const TPassReport& report : vecPasses)
         passes.push_back({{"pass", report.m_strName},

@@ -2,13 +2,18 @@
 #define CORVINA_CLI_SOLVING_H
 
 #include "app/options.h"
+#include "search/verify.h"
 
-#include <CLI/CLI.hpp>
-#include <nlohmann/json.hpp>
+#include <nlohmann/json_fwd.hpp>
 
 #include <optional>
 #include <string>
 #include <vector>
+
+namespace CLI
+{
+class App;
+}
 
 namespace corvina
 {
@@ -27,8 +32,9 @@ struct TSolveOptions
     bool m_bNoPass2 = false;    ///< no pass without
     bool m_bNoFallback = false; ///< no stricter set within a line of play
     bool m_bSafe = false;
-    int m_nShortMate = 0; ///< moves of the short mate search; 0: by the position
-    int m_nThreads = 0;   ///< 0: what the problem asks for, or one
+    bool m_bVerify = false; ///< walk the proof of each key
+    int m_nShortMate = 0;   ///< moves of the short mate search; 0: by the position
+    int m_nThreads = 0;     ///< 0: what the problem asks for, or one
     TOptions m_programOptions;
 };
 
@@ -43,6 +49,26 @@ TSolveOutcome SolveWithOptions(TSolveRequest& request, const TSolveOptions& opti
 /// 0 to 3, as the program exits after the run.
 int ExitCodeOf(const TSolveOutcome& outcome);
 
+/// The check of a key, in words.
+struct TVerifiedKey
+{
+    std::string m_strKey;
+    TVerification m_verification;
+    std::vector<std::string> m_vecRefutation; ///< the line, in notation
+};
+
+/// Walks the proof of each solution, within the time of the options.
+std::vector<TVerifiedKey> VerifySolutions(TSolveRequest& request, const TSolveOutcome& outcome,
+                                          const TSolveOptions& options);
+
+/// EXIT_WRONG_KEY when a proof has failed, EXIT_STOPPED when one is not done, else nExitCode.
+int WithVerification(int nExitCode, const std::vector<TVerifiedKey>& vecKeys);
+
+void PrintVerification(const std::vector<TVerifiedKey>& vecKeys);
+
+/// The texts with the separator between them.
+std::string Joined(const std::vector<std::string>& vecTexts, const char* pSeparator);
+
 /// Moves of White in the position of a problem, in full notation.
 std::vector<std::string> MoveTexts(const TProblem& problem, const std::vector<TMove>& vecMoves);
 
@@ -52,7 +78,8 @@ const char* ResultWord(const TSolveOutcome& outcome);
 /// The members of a JSON object that a run gives: the result, its solutions, passes, time and
 /// positions.
 void AddResultTo(nlohmann::ordered_json& line, const TSolveRequest& request,
-                 const TSolveOutcome& outcome, const std::vector<TPassReport>& vecPasses);
+                 const TSolveOutcome& outcome, const std::vector<TPassReport>& vecPasses,
+                 const std::vector<TVerifiedKey>& vecKeys);
 
 /// What keeps the outcome from being a proof; a line each.
 void PrintNotes(const TSolveRequest& request, const TSolveOutcome& outcome);

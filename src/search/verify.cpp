@@ -1,0 +1,264 @@
+#include "search/verify.h"
+
+#include "registers/positionkey.h"
+#include "search/hooks.h"
+#include "search/line.h"
+#include "search/nodes.h"
+#include "search/ordering.h"
+#include "search/registeraccess.h"
+#include "search/rootsetup.h"
+
+#include <algorithm>
+#include <optional>
+#include <string_view>
+#include <unordered_map>
+
+namespace corvina
+{
+namespace
+{
+
+/// With so many half-moves left, or fewer, the engine is asked without heuristics.
+constexpr int MAX_PLIES_WITHOUT_HEURISTICS = 11;
+
+struct TKeyHash
+{
+    std::size_t operator()(const TPositionKey& key) const
+    {
+        return std::hash<std::string_view>()(
+            {reinterpret_cast<const char*>(key.m_board), sizeof(key.m_board)});
+    }
+};
+
+struct TKeyEqual
+{
+    bool operator()(const TPositionKey& a, const TPositionKey& b) const
+    {
+        return AreKeysEqual(a.m_board, b.m_board);
+    }
+};
+
+/// Puts a set on a record and its thread for the life of the object.
+class TSetHold
+{
+public:
+    explicit TSetHold(TChessboard& board)
+        : m_board(board), m_nHeuristics(board.m_nHeuristics),
+          m_nHeuristicsParams(board.m_nHeuristicsParams), m_nPass(board.m_nPass),
+          m_params(ContextOf(board))
+    {
+    }
+    ~TSetHold()
+    {
+        m_board.m_nHeuristics = m_nHeuristics;
+        m_board.m_nHeuristicsParams = m_nHeuristicsParams;
+        m_board.m_nPass = m_nPass;
+        static_cast<THeuristicsParams&>(ContextOf(m_board)) = m_params;
+    }
+    TSetHold(const TSetHold&) = delete;
+    TSetHold& operator=(const TSetHold&) = delete;
+
+private:
+    TChessboard& m_board;
+    const std::uint32_t m_nHeuristics;
+    const std::uint32_t m_nHeuristicsParams;
+    const std::uint8_t m_nPass;
+    const THeuristicsParams m_params;
+};
+
+/// The walk over the proof of one key. Its records are of its own, since the engine uses the stack
+/// of the thread below the position that it is asked about.
+class TProofWalk
+{
+public:
+    explicit TProofWalk(TSolveRequest& request)
+        : m_request(request), m_root(*request.m_pChessboard), m_context(m_root.m_nMoves)
+    {
+        m_root.m_pRequest = &request;
+        TakeUpHeuristics(m_root);
+        PutOnThread(m_root, m_context);
+        DropHeuristics(m_root);
+    }
+
+    TVerification Verify(TMove key)
+    {
+        m_vecLine.push_back(key);
+        TChessboard child = m_root;
+        child.m_pParent = &m_root;
+        m_verification.m_bHolds = child.MakeWhiteMove(&key) && HoldsAgainstAll(child);
+        m_verification.m_bStopped = !m_verification.m_bHolds && IsStopped();
+        if (!m_verification.m_bHolds && !m_verification.m_bStopped)
+            m_verification.m_vecRefutation = m_vecRefutation.empty() ? m_vecLine : m_vecRefutation;
+        return m_verification;
+    }
+
+private:
+    bool IsStopped() const { return m_request.IsStoppedForAll(); }
+
+    /// Black to move: White mates after every reply, or has mated.
+    bool HoldsAgainstAll(TChessboard& board)
+    {
+        TMoveList moves;
+        const int nMoves = board.GenerateBlackMoves(moves.data());
+        bool bHasReply = false;
+        for (int i = 0; i < nMoves; ++i) {
+            TChessboard child = board;
+            child.m_pParent = &board;
+            if (!child.MakeBlackMove(&moves[i]))
+                continue;
+            bHasReply = true;
+            // A reply is left when no half-move is: no mate.
+            if (board.m_nMoves == 0)
+                return false;
+            m_vecLine.push_back(moves[i]);
+            const bool bHolds = HoldsAtWhite(child);
+            if (!bHolds && m_vecRefutation.empty())
+                m_vecRefutation = m_vecLine;
+            m_vecLine.pop_back();
+            if (!bHolds)
+                return false;
+        }
+        const bool bMate = !bHasReply && board.m_blackChecker != NO_CHECK;
+        m_verification.m_nMates += bMate;
+        return bHasReply || bMate;
+    }
+
+    bool HoldsAtWhite(TChessboard& board)
+    {
+        if (IsStopped())
+            return false;
+        const bool bKeyed = IsRegisterable(board);
+        const TPositionKey key = TPositionKey::Of(board.m_board);
+        if (bKeyed) {
+            const auto proved = m_mapProved.find(key);
+            if (proved != m_mapProved.end() && proved->second <= board.m_nMoves)
+                return true;
+        }
+        if (!HasContinuation(board))
+            return false;
+        m_vecRefutation.clear(); // of a move that another one replaces
+        if (bKeyed) {
+            const auto [place, bNew] = m_mapProved.try_emplace(key, board.m_nMoves);
+            place->second = std::min(place->second, board.m_nMoves);
+            m_verification.m_nPositions += bNew;
+        }
+        else {
+            ++m_verification.m_nPositions;
+        }
+        return true;
+    }
+
+    /// Is there a move of White behind which the proof goes on? Those that the register suggests
+    /// are walked first; then the engine searches the position, which fills the register, and at
+    /// last each move.
+    bool HasContinuation(TChessboard& board)
+    {
+        TMoveList moves;
+        TChessboard asked = board;
+        const int nMoves =
+            SortWhiteMovesCheap(asked, moves.data(), board.GenerateWhiteMoves(moves.data()));
+        if (AnyMove(board, moves.data(), nMoves,
+                    [&](TChessboard& child) { return IsKnown(child); }))
+            return true;
+        if (IsStopped() || board.m_nMoves == 1 || !IsMateBySearch(board))
+            return false;
+        if (AnyMove(board, moves.data(), nMoves,
+                    [&](TChessboard& child) { return IsKnown(child); }))
+            return true;
+        return AnyMove(board, moves.data(), nMoves, [&](TChessboard& child) {
+            return SearchBlack<NODE_MAIN>(child) == RESULT_MATE;
+        });
+    }
+
+    template <class TSuggests>
+    bool AnyMove(TChessboard& board, const TMove* pMoves, int nMoves, TSuggests suggests)
+    {
+        for (int i = 0; i < nMoves && !IsStopped(); ++i) {
+            TMove move = pMoves[i];
+            TChessboard child = board;
+            child.m_pParent = &board;
+            if (!child.MakeWhiteMove(&move) || !suggests(child))
+                continue;
+            m_vecLine.push_back(move);
+            const bool bHolds = HoldsAgainstAll(child);
+            m_vecLine.pop_back();
+            if (bHolds)
+                return true;
+        }
+        return false;
+    }
+
+    /// The move has mated, or the register knows a mate after each reply.
+    bool IsKnown(TChessboard& board)
+    {
+        if (board.m_nMoves == 0)
+            return board.m_blackChecker != NO_CHECK && !board.CanBlackEscapeCheck();
+        TMoveList moves;
+        const int nMoves = board.GenerateBlackMoves(moves.data());
+        bool bHasReply = false;
+        for (int i = 0; i < nMoves; ++i) {
+            TChessboard child = board;
+            child.m_pParent = &board;
+            if (!child.MakeBlackMove(&moves[i]))
+                continue;
+            bHasReply = true;
+            if (child.m_nMoves <= 3 ? !IsMateWithoutHeuristics(child) : !IsMateByRegister(child))
+                return false;
+        }
+        return bHasReply || board.m_blackChecker != NO_CHECK;
+    }
+
+    bool IsMateByRegister(TChessboard& board)
+    {
+        if (!UsesRegister(board))
+            return board.m_nMoves <= MAX_PLIES_WITHOUT_HEURISTICS / 2 &&
+                   IsMateWithoutHeuristics(board);
+        const auto known = ProbeRegister(board);
+        return known && *known == RESULT_MATE;
+    }
+
+    bool IsMateWithoutHeuristics(TChessboard& board)
+    {
+        return SearchWhite<NODE_MAIN>(board) == RESULT_MATE;
+    }
+
+    /// Far from the leaves the run's passes are gone through, as they were for the first moves.
+    bool IsMateBySearch(TChessboard& board)
+    {
+        if (board.m_nMoves <= MAX_PLIES_WITHOUT_HEURISTICS ||
+            m_request.m_heuristicSet.m_nHeuristics == 0)
+            return IsMateWithoutHeuristics(board);
+        const TSetHold hold(board);
+        board.m_nHeuristics = m_request.m_heuristicSet.m_nHeuristics;
+        board.m_nPass = PASS_WITH_HEURISTICS;
+        static_cast<THeuristicsParams&>(m_context) = m_request.m_heuristicSet.m_params;
+        board.m_nHeuristicsParams = ComputeHeurParams(board);
+        while (board.m_nHeuristics != 0) {
+            const TSearchResult nResult = SearchWhite<NODE_MAIN>(board);
+            if (nResult >= 0 || IsStopped())
+                return nResult == RESULT_MATE;
+            if (TryRelaxSpecialHeuristics(board) == 0)
+                DropHeuristics(board);
+        }
+        DropHeuristics(board);
+        return IsMateWithoutHeuristics(board);
+    }
+
+    TSolveRequest& m_request;
+    TChessboard m_root;
+    TThreadContext m_context;
+    TVerification m_verification;
+    std::vector<TMove> m_vecLine;       ///< to the position at hand
+    std::vector<TMove> m_vecRefutation; ///< the first line at whose end White had nothing
+    /// Positions that are proved, with the half-moves that suffice.
+    std::unordered_map<TPositionKey, std::uint16_t, TKeyHash, TKeyEqual> m_mapProved;
+};
+
+} // namespace
+
+TVerification VerifyKey(TSolveRequest& request, TMove key)
+{
+    return TProofWalk(request).Verify(key);
+}
+
+} // namespace corvina
