@@ -1,168 +1,33 @@
-#include "chess/notation.h"
-#include "search/hooks.h"
+#include "search/blacknode.h"
 #include "search/nodes.h"
-#include "search/ordering.h"
-#include "search/registeraccess.h"
 #include "search/shortmate.h"
-#include "search/solverequest.h"
-
-#include <optional>
 
 namespace corvina
 {
 namespace
 {
 
-/// Below this depth the replies are tried as generated, the latest refutation first.
-constexpr int MIN_SORTED_DEPTH = 6;
-
-/// A node at Black's move, other than the leaves.
+/// The nodes of the main search, which lets White answer with any move.
 template <int nKind>
-class TBlackNode
+struct TAnyMove
 {
-public:
-    explicit TBlackNode(TChessboard& board)
-        : m_board(board), m_request(*board.m_pRequest), m_context(ContextOf(board)),
-          m_nDepth(board.m_nMoves), m_anRepeat(m_context.m_anRepeatDepth)
+    static bool WalksAllReplies(const TChessboard& board)
     {
+        return nKind == NODE_DEFENCE && board.m_nMoves == ContextOf(board).m_nDefenceDepth;
     }
 
-    TSearchResult Search()
+    static constexpr bool VerifiesHeuristics(const TChessboard&) { return true; }
+
+    static bool HasShortMate(TChessboard& child)
     {
-        TMoveList moves;
-        int nMoves = m_board.GenerateBlackMoves(moves.data());
-        if (m_nDepth >= MIN_SORTED_DEPTH) {
-            nMoves = SortBlackMoves(m_board, moves.data(), nMoves, &m_bHasReply);
-            m_bProbed = true;
-        }
-        else {
-            BringKillerToFront(m_board, m_context.m_aBlackKillers[m_nDepth], moves.data(), nMoves);
-        }
-        if (nMoves < 0)
-            return ResultOfRefutation(static_cast<TSearchResult>(nMoves));
-        m_context.m_anMoveCount[m_nDepth] = static_cast<std::uint8_t>(nMoves);
-        if (nKind == NODE_DEFENCE && m_nDepth == m_context.m_nDefenceDepth)
-            return WalkAllReplies(moves.data(), nMoves);
-        for (int i = 0; i < nMoves; ++i) {
-            if (m_request.IsStopped(m_context.m_nThreadId))
-                return RESULT_NO_MATE;
-            m_context.m_anMoveIndex[m_nDepth] = static_cast<std::uint8_t>(i);
-            const TSearchResult nResult = TryReply(moves[i]);
-            if (nResult != RESULT_MATE) {
-                m_context.m_aBlackKillers[m_nDepth] = {moves[i], m_board.m_board[moves[i].m_from]};
-                return ResultOfRefutation(nResult);
-            }
-            if (moves[i].PromotionKind() && m_context.m_bSkipEqualPromotions) {
-                m_context.m_bSkipEqualPromotions = false;
-                nMoves = DropEqualPromotions(moves.data(), i, nMoves);
-            }
-        }
-        return m_bHasReply || m_board.m_blackChecker != NO_CHECK ? RESULT_MATE : RESULT_NO_MATE;
+        return child.m_nPass == 1 ? LookForQuickerMate(child) : LookForQuickerMateInLastPass(child);
     }
 
-private:
-    /// The root of the defence task: every reply is analysed and recorded.
-    TSearchResult WalkAllReplies(TMove* pMoves, int nMoves)
+    static TSearchResult SearchWhite(TChessboard& child)
     {
-        m_request.m_vecDefences.clear();
-        m_request.m_vecDefenceRecords.clear();
-        bool bDoubtful = false;
-        for (int i = 0; i < nMoves; ++i) {
-            const auto start = std::chrono::steady_clock::now();
-            const std::uint64_t nPositions = m_context.m_nPositions;
-            const TSearchResult nResult = TryReply(pMoves[i]);
-            if (nResult != RESULT_MATE && m_request.IsStopped(m_context.m_nThreadId))
-                break;
-            TDefenceRecord record;
-            record.m_move = pMoves[i];
-            record.m_nPositions = m_context.m_nPositions - nPositions;
-            record.m_nMilliseconds = static_cast<std::uint32_t>(
-                (std::chrono::steady_clock::now() - start) / std::chrono::milliseconds(1));
-            const bool bCertain =
-                nResult >= RESULT_NO_MATE || m_board.m_nPass > 1 || m_board.m_nHeuristics == 0;
-            bDoubtful |= !bCertain;
-            record.m_bRepetition = nResult <= RESULT_REPETITION;
-            record.m_bRefutes = bCertain && nResult != RESULT_MATE && !record.m_bRepetition;
-            m_request.m_vecDefenceRecords.push_back(record);
-            if (bCertain && nResult != RESULT_MATE)
-                NoteDefence(pMoves[i]);
-        }
-        if (!m_request.m_vecDefences.empty())
-            return RESULT_NO_MATE;
-        return bDoubtful ? RESULT_DOUBTFUL : RESULT_MATE;
-    }
-
-    void NoteDefence(const TMove& move)
-    {
-        m_request.m_vecDefences.push_back(move);
-        if (m_request.OnDefenceFound)
-            m_request.OnDefenceFound(move, PrintMove(move, m_board), m_request.m_nProblemNumber);
-    }
-
-    /// A result above 0: White mates all the same, or the move is illegal. A sorted list holds only
-    /// legal moves that the register doesn't know.
-    TSearchResult TryReply(TMove& move)
-    {
-        TChessboard& child = m_context.MakeChild(m_board);
-        if (!child.MakeBlackMove(&move, m_bProbed))
-            return RESULT_MATE;
-        m_bHasReply = true;
-        ++m_context.m_nPositions;
-        if (child.m_nPass == 1 && child.m_nHeuristics != 0 && IsCut(child, move))
-            return RESULT_DOUBTFUL;
-        if (!m_bProbed && UsesRegister(child)) {
-            if (const auto known = ProbeRegister(child))
-                return *known;
-        }
-        const bool bQuick =
-            child.m_nPass == 1 ? LookForQuickerMate(child) : LookForQuickerMateInLastPass(child);
-        m_context.m_bSkipEqualPromotions = false;
         constexpr int CHILD_KIND = nKind == NODE_MAIN ? NODE_MAIN : NODE_DEFENCE_DEEPER;
-        return bQuick ? RESULT_MATE : SearchWhite<CHILD_KIND>(child, false);
+        return corvina::SearchWhite<CHILD_KIND>(child, false);
     }
-
-    /// The reply breaks a heuristic. A mark that the hook has put on the move goes with the child.
-    bool IsCut(TChessboard& child, TMove& move)
-    {
-        if (IsBlackMoveDoubtful(child, &move) > 0)
-            return true;
-        if (move.m_promotion & TMove::MARK) {
-            child.m_boardFlags |= TChessboard::FLAG_EDGECHECKDEFERRED;
-            child.m_nHeuristicsParams = ComputeHeurParams(child);
-        }
-        return false;
-    }
-
-    TSearchResult ResultOfRefutation(TSearchResult nResult)
-    {
-        if (nResult == RESULT_REFUTED)
-            return RESULT_NO_MATE;
-        if (nResult > RESULT_REPETITION)
-            return nResult;
-        if (m_anRepeat[m_nDepth] <= m_nDepth)
-            return m_board.m_nPass == 1 ? RESULT_DOUBTFUL : RESULT_NO_MATE;
-        m_anRepeat[m_nDepth + 1] = m_anRepeat[m_nDepth];
-        return nResult;
-    }
-
-    /// Takes the other promotions on the square out of the rest of the list.
-    static int DropEqualPromotions(TMove* pMoves, int nDone, int nMoves)
-    {
-        int nKept = nDone + 1;
-        for (int i = nDone + 1; i < nMoves; ++i) {
-            if (FromTo(pMoves[i]) != FromTo(pMoves[nDone]))
-                pMoves[nKept++] = pMoves[i];
-        }
-        return nKept;
-    }
-
-    TChessboard& m_board;
-    TSolveRequest& m_request;
-    TThreadContext& m_context;
-    const std::uint16_t m_nDepth;
-    std::vector<std::uint16_t>& m_anRepeat;
-    bool m_bHasReply = false;
-    bool m_bProbed = false; ///< the list is sorted: the register has been asked for each reply
 };
 
 } // namespace
@@ -171,13 +36,10 @@ template <int nKind>
 TSearchResult SearchBlack(TChessboard& board)
 {
     if (board.m_nMoves == 0)
-        return board.m_blackChecker != NO_CHECK && !board.CanBlackEscapeCheck() ? RESULT_MATE
-                                                                                : RESULT_NO_MATE;
-    const bool bWalkAll =
-        nKind == NODE_DEFENCE && board.m_nMoves == ContextOf(board).m_nDefenceDepth;
-    if (board.m_nMoves == 2 && !bWalkAll)
+        return ResultOfLeaf(board);
+    if (board.m_nMoves == 2 && !TAnyMove<nKind>::WalksAllReplies(board))
         return SearchLastReplies(board);
-    return TBlackNode<nKind>(board).Search();
+    return TBlackNode<TAnyMove<nKind>>(board).Search();
 }
 
 template TSearchResult SearchBlack<NODE_MAIN>(TChessboard&);

@@ -1,16 +1,8 @@
 #include "search/fallback.h"
-#include "search/hooks.h"
-#include "search/line.h"
 #include "search/nodes.h"
 #include "search/ordering.h"
-#include "search/registeraccess.h"
-#include "search/shortmate.h"
-#include "search/solverequest.h"
 #include "search/whitecuts.h"
-
-#include <algorithm>
-#include <optional>
-#include <thread>
+#include "search/whitenode.h"
 
 namespace corvina
 {
@@ -20,130 +12,28 @@ namespace
 /// Below this depth the list is generated figure by figure and not sorted.
 constexpr int MIN_SORTED_DEPTH = 5;
 
-/// The callback of progress comes at depths 9, 25, 41 ...
-constexpr int PROGRESS_PERIOD = 16;
-constexpr int PROGRESS_DEPTH = 9;
-
-/// A node at White's move.
+/// The nodes of the main search: every move of White.
 template <int nKind>
-class TWhiteNode
+struct TAllMoves
 {
-public:
-    explicit TWhiteNode(TChessboard& board)
-        : m_board(board), m_request(*board.m_pRequest), m_context(ContextOf(board)),
-          m_nDepth(board.m_nMoves), m_anRepeat(m_context.m_anRepeatDepth)
+    static int ListMoves(TChessboard& board, TMove* pMoves)
     {
+        const int nMoves = board.GenerateWhiteMoves(pMoves);
+        return board.m_nMoves >= MIN_SORTED_DEPTH ? SortWhiteMovesCheap(board, pMoves, nMoves)
+                                                  : nMoves;
     }
 
-    TSearchResult Search(bool bProbeRegister)
+    static constexpr int ListMoreMoves(TChessboard&, TMove*, int, int*) { return 0; }
+
+    static bool IsCut(const TChessboard& board, const TMove& move)
     {
-        if (m_board.m_nPositionFlags & TChessboard::POSITION_GLOBALREGISTER) {
-            if (const auto known = AnswerOfGlobalRegister())
-                return *known;
-        }
-        m_bRegister = UsesRegister(m_board);
-        if (bProbeRegister && m_bRegister) {
-            if (const auto known = ProbeRegister(m_board))
-                return *known;
-        }
-        if (m_nDepth == 1)
-            return IsMateInOne(m_board) ? RESULT_MATE : RESULT_NO_MATE;
-        if (!ReportProgress())
-            return RESULT_NO_MATE;
-        m_anRepeat[m_nDepth + 1] = 0;
-        const TSearchResult nResult = SearchMoves();
-        return nResult == RESULT_MATE ? OnMate() : nResult;
+        return RecedesFromBlackKing(board, move);
     }
 
-private:
-    bool IsStopped() const { return m_request.IsStopped(m_context.m_nThreadId); }
+    static bool IsCutAfterMove(TChessboard& child) { return IsCutAfterWhiteMove(child); }
 
-    /// At depths far enough apart that it costs nothing. False when the thread is to give up its
-    /// first move: another one has proved it.
-    bool ReportProgress()
+    static TSearchResult SearchReplies(TChessboard& child)
     {
-        const int nPlayed = m_board.m_nInitialMoves - m_nDepth;
-        if (m_nDepth % PROGRESS_PERIOD != PROGRESS_DEPTH ||
-            (m_nDepth != PROGRESS_DEPTH && nPlayed < PROGRESS_DEPTH))
-            return true;
-        if (m_request.OnPositionAnalysed)
-            m_request.OnPositionAnalysed(m_board);
-        if (!m_request.m_pFoundSolutions ||
-            !m_request.m_pFoundSolutions->Contains(m_context.m_firstMove))
-            return true;
-        GiveUpFirstMove();
-        return false;
-    }
-
-    /// Stops this thread, unless it is to stop for another reason. It lifts that when it has come
-    /// back to the first moves.
-    void GiveUpFirstMove()
-    {
-        while (!IsStopped() && m_context.m_nSuspended <= 1 && !m_context.m_bSuspendResume) {
-            m_context.m_bSuspendResume = m_request.StopThread(m_context.m_nThreadId);
-            std::this_thread::yield(); // another thread may be on its way back
-        }
-    }
-
-    /// The tables' answer is exact; a mate that is too long may still fit a short mate search with
-    /// moves to spare.
-    std::optional<TSearchResult> AnswerOfGlobalRegister()
-    {
-        const int nPlies = AskGlobalRegister(m_board);
-        if (nPlies == GLOBAL_REGISTER_UNKNOWN)
-            return std::nullopt;
-        if (nPlies == 0)
-            return RESULT_NO_MATE;
-        if (nPlies <= m_nDepth)
-            return RESULT_MATE;
-        if (m_context.m_nQuickerMateNesting &&
-            nPlies <= m_nDepth + 2 * m_context.m_shAdditionalMoves) {
-            m_context.m_bAdditionalMovesUsed = true;
-            return RESULT_MATE;
-        }
-        return RESULT_NO_MATE;
-    }
-
-    TSearchResult SearchMoves()
-    {
-        TMoveList moves;
-        int nMoves = m_board.GenerateWhiteMoves(moves.data());
-        if (m_nDepth >= MIN_SORTED_DEPTH)
-            nMoves = SortWhiteMovesCheap(m_board, moves.data(), nMoves);
-        m_context.m_anMoveCount[m_nDepth] = static_cast<std::uint8_t>(nMoves);
-        for (int i = 0; i < nMoves; ++i) {
-            if (IsStopped())
-                return RESULT_NO_MATE;
-            m_context.m_anMoveIndex[m_nDepth] = static_cast<std::uint8_t>(i);
-            const TSearchResult nResult = TryMove(moves[i]);
-            if (nResult == RESULT_MATE) {
-                m_context.m_aWhiteKillers[m_nDepth] = {moves[i], m_board.m_board[moves[i].m_from]};
-                m_mate = moves[i];
-                return RESULT_MATE;
-            }
-            if (nResult == RESULT_DOUBTFUL)
-                ++m_nDoubtful;
-            else if (nResult <= RESULT_REPETITION && !NoteRepetition())
-                return RESULT_REPETITION;
-        }
-        return OnListExhausted();
-    }
-
-    /// One move of the list; a move that is illegal or ends in a repetition is no mate.
-    TSearchResult TryMove(TMove& move)
-    {
-        if (RecedesFromBlackKing(m_board, move))
-            return RESULT_DOUBTFUL;
-        TChessboard& child = m_context.MakeChild(m_board);
-        if (!child.MakeWhiteMove(&move))
-            return RESULT_NO_MATE;
-        ++m_context.m_nPositions;
-        if (const std::uint16_t nEarlier = CountingRepetition(child)) {
-            m_anRepeat[m_nDepth] = nEarlier;
-            return RESULT_REPETITION;
-        }
-        if (IsCutAfterWhiteMove(child))
-            return RESULT_DOUBTFUL;
         if (MayFallBack(child)) {
             const TStricterSet stricter(child);
             if (SearchBlack<nKind>(child) == RESULT_MATE)
@@ -151,110 +41,6 @@ private:
         }
         return SearchBlack<nKind>(child);
     }
-
-    /// A move leans on a position further up. False when the thread is being stopped.
-    bool NoteRepetition()
-    {
-        if (IsStopped()) {
-            m_anRepeat[m_nDepth + 1] = m_board.m_nInitialMoves;
-            return false;
-        }
-        m_anRepeat[m_nDepth + 1] = std::max(m_anRepeat[m_nDepth + 1], m_anRepeat[m_nDepth]);
-        ++m_nRepetition;
-        return true;
-    }
-
-    TSearchResult OnListExhausted()
-    {
-        if (IsStopped() || m_context.m_nSuspended > 1)
-            return RESULT_NO_MATE;
-        if (m_board.m_nPass == 1 && !m_request.m_bSafeMode)
-            return OnListExhaustedInQuickMode();
-        return m_anRepeat[m_nDepth + 1] > m_nDepth ? RESULT_REPETITION
-                                                   : OnListExhaustedForCertain();
-    }
-
-    TSearchResult OnListExhaustedInQuickMode()
-    {
-        TSearchResult nResult = RESULT_NO_MATE;
-        if (m_nRepetition) {
-            ++m_nDoubtful;
-            nResult = RESULT_REPETITION;
-        }
-        else if (m_nDoubtful) {
-            nResult = RESULT_DOUBTFUL;
-        }
-        StoreFailure();
-        return nResult;
-    }
-
-    /// No answer below leans on a position above the node.
-    TSearchResult OnListExhaustedForCertain()
-    {
-        if (m_board.m_nHeuristics != 0) {
-            StoreFailure();
-            if (m_nDoubtful == 0 && m_anRepeat[m_nDepth + 1] == 0)
-                return RESULT_NO_MATE;
-            return RESULT_DOUBTFUL;
-        }
-        if (m_nDoubtful)
-            return RESULT_DOUBTFUL;
-        StoreFailure();
-        return RESULT_NO_MATE;
-    }
-
-    void StoreFailure()
-    {
-        if (!m_bRegister)
-            return;
-        if (m_nDoubtful == 0 && (m_board.m_nHeuristics == 0 || m_anRepeat[m_nDepth + 1] == 0))
-            StoreCertain(m_board, m_nDepth, false);
-        else
-            StoreDoubtful(m_board, m_nDepth);
-    }
-
-    /// Plies within which the mate holds: more than the node has when additional moves were used.
-    std::uint16_t MateDepth() const
-    {
-        return static_cast<std::uint16_t>(
-            m_nDepth + (m_context.m_bAdditionalMovesUsed ? 2 * m_context.m_shAdditionalMoves : 0));
-    }
-
-    TSearchResult OnMate()
-    {
-        if (m_board.m_LastMove.PromotionKind() && m_board.m_pParent &&
-            m_mate.m_to == m_board.m_LastMove.m_to)
-            StoreForAllPromotions();
-        if (m_bRegister)
-            StoreCertain(m_board, MateDepth(), true);
-        return RESULT_MATE;
-    }
-
-    /// White mates by taking the figure that has just been promoted: whatever it was.
-    void StoreForAllPromotions()
-    {
-        m_context.m_bSkipEqualPromotions = true;
-        if (!m_bRegister)
-            return;
-        std::uint8_t& square = m_board.m_board[m_mate.m_to];
-        const TFigure promoted = square;
-        for (const TFigure kind : g_aPromotionKinds) {
-            square = COLOUR_BLACK | kind;
-            if (square != promoted)
-                StoreCertain(m_board, MateDepth(), true);
-        }
-        square = promoted;
-    }
-
-    TChessboard& m_board;
-    TSolveRequest& m_request;
-    TThreadContext& m_context;
-    const std::uint16_t m_nDepth;
-    std::vector<std::uint16_t>& m_anRepeat; ///< by depth plus one
-    bool m_bRegister = false;
-    int m_nDoubtful = 0;   ///< moves that were cut or came back doubtful
-    int m_nRepetition = 0; ///< moves that lean on a repetition
-    TMove m_mate{};
 };
 
 } // namespace
@@ -264,7 +50,7 @@ TSearchResult SearchWhite(TChessboard& board, bool bProbeRegister)
 {
     if (board.m_nMoves == 3 && !(board.m_nPositionFlags & TChessboard::POSITION_GLOBALREGISTER))
         return IsMateInTwo(board, bProbeRegister) ? RESULT_MATE : RESULT_NO_MATE;
-    return TWhiteNode<nKind>(board).Search(bProbeRegister);
+    return TWhiteNode<TAllMoves<nKind>>(board).Search(bProbeRegister);
 }
 
 template TSearchResult SearchWhite<NODE_MAIN>(TChessboard&, bool);

@@ -178,8 +178,8 @@ constexpr int MIN_PLIES_FOR_ADDITIONAL_MOVES = 14;
 class TQuickerMate
 {
 public:
-    explicit TQuickerMate(TChessboard& board)
-        : m_board(board), m_context(ContextOf(board)), m_nDepth(board.m_nMoves),
+    explicit TQuickerMate(TChessboard& board, TWhiteSearch pSearch = SearchWhite<NODE_MAIN>)
+        : m_board(board), m_pSearch(pSearch), m_context(ContextOf(board)), m_nDepth(board.m_nMoves),
           m_shSaved(m_context.m_shAdditionalMoves)
     {
         if (++m_context.m_nQuickerMateNesting == 1) {
@@ -243,12 +243,13 @@ private:
         const TChessboard saved = m_board;
         m_context.m_anRepeatDepth[k] = m_context.m_anRepeatDepth[m_nDepth];
         m_board.m_nMoves = k;
-        const bool bMate = SearchWhite<NODE_MAIN>(m_board) > 0;
+        const bool bMate = m_pSearch(m_board, true) > 0;
         m_board = saved;
         return bMate;
     }
 
     TChessboard& m_board;
+    const TWhiteSearch m_pSearch;
     TThreadContext& m_context;
     const int m_nDepth;
     const std::uint16_t m_shSaved;
@@ -292,12 +293,12 @@ bool LookForQuickerMate(TChessboard& board)
     return TQuickerMate(board).Search(std::min<int>(board.m_nMoves, ChooseQuickerMateDepth(board)));
 }
 
-bool LookForQuickerMateN(TChessboard& board, int nMoves)
+bool LookForQuickerMateN(TChessboard& board, int nMoves, TWhiteSearch pSearch)
 {
     TThreadContext& context = ContextOf(board);
     if (context.m_bNoQuickerMate)
         return false;
-    return TQuickerMate(board).Search(std::min<int>(board.m_nMoves, 2 * nMoves - 1));
+    return TQuickerMate(board, pSearch).Search(std::min<int>(board.m_nMoves, 2 * nMoves - 1));
 }
 
 bool LookForQuickerMateInLastPass(TChessboard& board)

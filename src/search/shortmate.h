@@ -2,7 +2,7 @@
 #define CORVINA_SEARCH_SHORTMATE_H
 
 #include "chess/chessboard.h"
-#include "search/result.h"
+#include "search/nodes.h"
 
 /// Mates in a few moves: the tests at the leaves, and the search for a short mate that goes ahead
 /// of the full one. White is to move; the record stands on the stack of a search context, or is its
@@ -29,8 +29,13 @@ TSearchResult SearchLastReplies(TChessboard& board);
 /// request gives the depth.
 bool LookForQuickerMate(TChessboard& board);
 
-/// The same with the depth fixed at 2 * nMoves - 1 half-moves.
-bool LookForQuickerMateN(TChessboard& board, int nMoves);
+/// A search of a position with White to move for a mate within its half-moves; the flag as for
+/// SearchWhite.
+using TWhiteSearch = TSearchResult (*)(TChessboard& board, bool bProbeRegister);
+
+/// The same with the depth fixed at 2 * nMoves - 1 half-moves, by this search.
+bool LookForQuickerMateN(TChessboard& board, int nMoves,
+                         TWhiteSearch pSearch = SearchWhite<NODE_MAIN>);
 
 /// The short mate search of the last pass, with the depth that suits the position.
 bool LookForQuickerMateInLastPass(TChessboard& board);
