@@ -2,6 +2,7 @@
 
 #include "platform/thread.h"
 #include "search/firstmoves.h"
+#include "search/forcedmate.h"
 #include "search/hooks.h"
 #include "search/nodes.h"
 #include "search/ordering.h"
@@ -195,7 +196,22 @@ private:
         ++m_context.m_nPositions;
         if (IsCutAfterWhiteMove(child))
             return RESULT_DOUBTFUL;
-        return m_request.m_bPlain ? PlainSearchBlack(child) : SearchBlack<NODE_MAIN>(child);
+        if (m_request.m_bPlain)
+            return PlainSearchBlack(child);
+        return IsForcedMateRun(child) ? SearchForcedMate(child) : SearchBlack<NODE_MAIN>(child);
+    }
+
+    static bool IsForcedMateRun(const TChessboard& child)
+    {
+        constexpr int MIN_PLIES = 2;
+        return (child.m_nHeuristics & SH_FINDFORCEDMATE) && child.m_nPass == PASS_WITH_HEURISTICS &&
+               child.m_nMoves >= MIN_PLIES;
+    }
+
+    /// A search that leaves moves out proves mates only.
+    static TSearchResult SearchForcedMate(TChessboard& child)
+    {
+        return FindForcedMate(child) == RESULT_MATE ? RESULT_MATE : RESULT_DOUBTFUL;
     }
 
     TRun& m_run;

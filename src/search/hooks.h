@@ -51,6 +51,13 @@ TRelaxationCount ComputeRelaxationPlan(TChessboard& board, bool bStopAtEdgeEnd);
 /// The Black king has come to the edge where it can be held: the stricter set is worth a try.
 bool CanApplyEdgeHeuristicDynamically(const TChessboard& board);
 
+/// The moves that the problem tells to try at this point of the solution, and their number. A
+/// board without such hints has none.
+inline int GetIndicatedMoves(const TChessboard&, TMove*)
+{
+    return 0;
+}
+
 /// Half-moves to mate by the endgame tables; 0: no mate, UNKNOWN: no answer.
 constexpr int GLOBAL_REGISTER_UNKNOWN = 65535;
 

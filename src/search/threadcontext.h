@@ -62,6 +62,10 @@ public:
     TChessboard* m_pQuickerMateRoot = nullptr; ///< the position of the outermost call
     bool m_bSpecialSolverTried = false;
 
+    // The forced mate search (search/forcedmate.h).
+    std::int16_t m_nFfmBound = 0;        ///< of its short mate search, in half-moves
+    std::int8_t m_nFfmVerifiesOther = 0; ///< THeuristicsParams::m_nFfmWithOther
+
     /// The heuristic that made the last result doubtful; 0 and -1: the register said so.
     std::uint32_t m_nDoubtReason = 0;
     std::uint8_t m_nHookNesting = 0;          ///< hooks of Black's moves that are open

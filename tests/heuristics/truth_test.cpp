@@ -18,7 +18,7 @@ namespace corvina
 namespace
 {
 
-/// Each heuristic about the kings in each form of its parameters.
+/// Each heuristic about the kings, and the forced mate search, in each form of its parameters.
 constexpr const char* g_aForms[] = {
     "SH_AREKINGSNEAR",
     "SH_DONTRECEDEBLACKKING",
@@ -43,6 +43,15 @@ constexpr const char* g_aForms[] = {
     "SH_KEEPKINGWITHINEXTEDGE(strict)",
     "SH_ASSERTBLACKKINGSURROUNDED",
     "SH_ASSERTBLACKKINGSURROUNDED(strict)",
+    "SH_FINDFORCEDMATE(CheckOnly)",
+    "SH_FINDFORCEDMATE(#1)",
+    "SH_FINDFORCEDMATE(#1+)",
+    "SH_FINDFORCEDMATE(#2)",
+    "SH_FINDFORCEDMATE(#2+)",
+    "SH_FINDFORCEDMATE(#3)",
+    "SH_FINDFORCEDMATE(#1-WithOtherHeuristics)",
+    "SH_FINDFORCEDMATE(#1-Custom)",
+    "SH_FINDFORCEDMATE(#1-Preliminary)",
 };
 
 struct TRunOf
