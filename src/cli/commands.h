@@ -18,6 +18,7 @@ constexpr int EXIT_BAD_INPUT = 2;
 constexpr int EXIT_STOPPED = 3;
 constexpr int EXIT_WRONG_KEY = 4; ///< of --verify
 
+void AddAnalyseCommand(CLI::App& app, int& nExitCode);
 void AddSolveCommand(CLI::App& app, int& nExitCode);
 void AddDefendCommand(CLI::App& app, int& nExitCode);
 void AddPerftCommand(CLI::App& app, int& nExitCode);

@@ -29,6 +29,7 @@ int main(int argc, char** argv)
     corvina::AddSolveCommand(app, nExitCode);
     corvina::AddDefendCommand(app, nExitCode);
     corvina::AddPerftCommand(app, nExitCode);
+    corvina::AddAnalyseCommand(app, nExitCode);
     corvina::AddPlanCommand(app, nExitCode);
     corvina::AddIdCommand(app, nExitCode);
     corvina::AddBenchCommand(app, nExitCode);

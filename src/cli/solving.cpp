@@ -25,6 +25,8 @@ void ApplySetOptions(TSolveRequest& request, const TSolveOptions& options)
         set.m_nHeuristics = 0;
     if (options.m_strHeuristics)
         ReadHeuristicsText(*options.m_strHeuristics, set, request.m_pChessboard.get());
+    const bool bGiven = set.m_nHeuristics != 0 || options.m_strHeuristics;
+    request.m_bAnalyse = options.m_bAuto && !options.m_bNoHeuristics && !bGiven;
     set.m_params.m_bLetRelax = !options.m_bNoRelax;
     set.m_params.m_bRunPass2 = !options.m_bNoPass2;
     set.m_params.m_bEnableFallback = !options.m_bNoFallback;
@@ -57,6 +59,10 @@ void AddSolveOptions(CLI::App& command, TSolveOptions& options)
                            "SH_DONTLOSEANYFIGURES\"; \"none\"");
     command.add_flag("--no-heuristics", options.m_bNoHeuristics, "begin with the last pass")
         ->excludes(pSet);
+    command
+        .add_flag("--auto", options.m_bAuto,
+                  "let the program choose heuristics for tasks of 6 moves and more")
+        ->excludes(pSet);
     command.add_flag("--no-relax", options.m_bNoRelax,
                      "one pass with heuristics only, then the last pass");
     command.add_flag("--no-pass2", options.m_bNoPass2,
@@ -87,7 +93,8 @@ TSolveOutcome SolveWithOptions(TSolveRequest& request, const TSolveOptions& opti
     request.m_bPlain = options.m_bPlain;
     request.m_bUseRegister = !options.m_bNoRegister;
     ApplySetOptions(request, options);
-    const bool bTell = request.m_heuristicSet.m_nHeuristics != 0 && !options.m_bPlain;
+    const bool bTell =
+        (request.m_heuristicSet.m_nHeuristics != 0 || request.m_bAnalyse) && !options.m_bPlain;
     request.OnPassEnd = [&vecPasses, bTell](const TPassReport& report) {
         vecPasses.push_back(report);
         if (bTell)

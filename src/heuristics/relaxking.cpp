@@ -134,6 +134,8 @@ bool DoesEdgeSuitFewFigures(const TChessboard& b)
     return KingDistance(b) == 2 && (IsBlackKingOnCorner(b) || StandsOpposite(b));
 }
 
+} // namespace
+
 bool IsSurroundBetterThanEdge(const TRelaxation& r)
 {
     constexpr int FEW_FREE_SQUARES = 3;
@@ -149,6 +151,9 @@ bool IsSurroundBetterThanEdge(const TRelaxation& r)
         return false;
     return FreeKingSquares(b) < FEW_FREE_SQUARES;
 }
+
+namespace
+{
 
 bool HasOnlyQueenAndKnights(const TChessboard& b)
 {

@@ -63,6 +63,9 @@ TStepResult RelaxExtEdge(TRelaxation& r);
 /// The plain form of the edge heuristic goes, and something weaker may come in its place.
 int RelaxPlainEdge(TRelaxation& r);
 
+/// Is the surround heuristic the better guess where the edge heuristic must give way?
+bool IsSurroundBetterThanEdge(const TRelaxation& r);
+
 // Listed figures (relaxunblock.cpp)
 
 /// Takes those off the list that have broken it, where the analysis has asked for that.

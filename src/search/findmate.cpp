@@ -1,5 +1,6 @@
 #include "search/findmate.h"
 
+#include "heuristics/positionanalysis.h"
 #include "platform/thread.h"
 #include "search/firstmoves.h"
 #include "search/forcedmate.h"
@@ -287,6 +288,14 @@ std::vector<TMove> FirstMoves(TChessboard& root)
     return std::vector<TMove>(moves.data(), moves.data() + nLegal);
 }
 
+/// The run begins with the set that an analysis of its root chooses.
+void ChooseHeuristics(TChessboard& root)
+{
+    if (root.m_pRequest->m_bAnalyse && !root.m_pRequest->m_bPlain &&
+        root.m_nMoves >= MIN_ANALYSED_PLIES)
+        TakeUpAnalysis(CheckPositionType(root), root);
+}
+
 /// The table of the register, for tasks that use it. What earlier runs have learnt stays.
 void PrepareRegister(TSolveRequest& request)
 {
@@ -315,6 +324,7 @@ std::int8_t FindMate(TChessboard& root, std::vector<TMove>& vecResult)
     TSolveRequest& request = *root.m_pRequest;
     request.m_vecSolutions.clear();
     PrepareRegister(request);
+    ChooseHeuristics(root);
     TakeUpHeuristics(root);
     request.m_vecFirstMoves = FirstMoves(root);
     TRun run(root, request.m_vecFirstMoves,

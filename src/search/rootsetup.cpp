@@ -1,43 +1,13 @@
 #include "search/rootsetup.h"
 
-#include "chess/sides.h"
+#include "heuristics/blackmobility.h"
 #include "heuristics/kingsurroundings.h"
 #include "search/hooks.h"
 
-#include <algorithm>
+#include <bit>
 
 namespace corvina
 {
-
-namespace
-{
-
-/// Black figures, pawns and king left out, that could move if it were Black's turn.
-std::uint8_t CountMovableBlackFigures(TChessboard& root)
-{
-    TLineContext line(root.m_nMoves + 1);
-    TChessboard passed = root;
-    passed.m_pParent = &root;
-    passed.m_pThread = &line;
-    if (root.IsWhiteToMove())
-        passed.MakeWhiteNullMove();
-    passed.m_nMoves = 2; // Black to move, whatever is left
-    TSquareSet figures = TSide<EColour::Black>::Figures(passed.m_board) &
-                         ~TSets::Equal(passed.m_board, BLACK_PAWN) & ~Bit(passed.BlackKing());
-    std::uint8_t nMovable = 0;
-    while (figures) {
-        TMoveList moves;
-        const int nMoves = passed.GenerateBlackFigureMoves(PopLowestSquare(figures), moves.data());
-        nMovable += std::any_of(moves.data(), moves.data() + nMoves, [&](TMove move) {
-            TChessboard child = passed;
-            child.m_pParent = &passed;
-            return child.MakeBlackUserMove(&move);
-        });
-    }
-    return nMovable;
-}
-
-} // namespace
 
 void TakeUpHeuristics(TChessboard& root)
 {
@@ -50,7 +20,8 @@ void TakeUpHeuristics(TChessboard& root)
     params.m_nRootWhiteMajors = static_cast<std::uint8_t>(WhiteMajors(root));
     params.m_nRootWhiteMinors = static_cast<std::uint8_t>(WhiteFigures(root) - WhiteMajors(root));
     params.m_nRootBlackMajors = static_cast<std::uint8_t>(BlackMajors(root));
-    params.m_nMovableBlackFigures = CountMovableBlackFigures(root);
+    params.m_nMovableBlackFigures =
+        static_cast<std::uint8_t>(std::popcount(FindBlackMobility(root).m_figures));
     params.m_nPassIndex = 0;
     ApplyToRoot(request.m_heuristicSet, root);
     if (request.m_bPlain)

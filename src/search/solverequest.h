@@ -70,6 +70,7 @@ struct TSolveRequest : TProblem, TStopBlock, TRegisterHost
     std::atomic<bool> m_bSafeMode{false}; ///< a relaxation of any thread may turn it on
 
     THeuristicSet m_heuristicSet; ///< that the run begins with
+    bool m_bAnalyse = false;      ///< the run chooses its set itself, if it is long enough for that
 
     // Men of the root position: queens, rooks, bishops and knights, and pawns.
     std::uint8_t m_nRootWhiteFigures = 0, m_nRootWhitePawns = 0;

@@ -1,0 +1,69 @@
+#ifndef CORVINA_HEURISTICS_OTHERANALYSES_H
+#define CORVINA_HEURISTICS_OTHERANALYSES_H
+
+#include "chess/chessboard.h"
+
+namespace corvina
+{
+
+/// Looks at the root position for patterns whose heuristics have no test of their own in the
+/// search. Each answers that there is nothing to be found; an analysis without them leaves these
+/// heuristics out.
+
+/// SH_REDUCTIONTOGLOBREGPOS: a position with fewer men that the endgame tables know.
+inline bool HasReducedPosition(const TChessboard&)
+{
+    return false;
+}
+
+/// SH_SEASNAKE: a pendulum of a Black figure and a White king who walks a triangle.
+inline bool HasSeaSnake(const TChessboard&)
+{
+    return false;
+}
+
+/// SH_ZUGZWANG, SH_ZUGZWANGTRIANGLES: Black's pawn structure leaves him a zugzwang.
+inline bool HasZugzwang(const TChessboard&)
+{
+    return false;
+}
+
+/// SH_DONTLETFIGUREUNBLOCK: Black figures that are blocked and that White had better not set free.
+inline TSquareSet FindBlockedFigures(const TChessboard&)
+{
+    return 0;
+}
+
+/// SH_KEYWHITEFIGURE: a White line figure that pins a Black one and can't be driven away.
+inline TSquare FindKeyWhiteFigure(const TChessboard&)
+{
+    return NO_SQUARE;
+}
+
+/// SH_SWEEPINGWHITEROOK: a rook on the first row into which Black's pawns must run.
+inline bool IsSweepingRookType(const TChessboard&)
+{
+    return false;
+}
+
+/// SH_SINGLEQUEENMATE: nothing but the White queen and the Black king can move.
+inline bool IsSingleQueenMate(const TChessboard&)
+{
+    return false;
+}
+
+/// SH_KEEPKINGNEARCORNER: the Black king stands in a corner region of such a queen's mate.
+inline bool IsCornerPattern(const TChessboard&)
+{
+    return false;
+}
+
+/// SH_SAVEQUEENROOK with its exception: White's chances hang on a single figure.
+inline bool IsWhiteMaterialShort(const TChessboard&)
+{
+    return false;
+}
+
+} // namespace corvina
+
+#endif

@@ -1,0 +1,256 @@
+#include "heuristics/positionanalysis.h"
+
+#include "chess/sides.h"
+#include "heuristics/analysis.h"
+#include "heuristics/forcedmate.h"
+#include "heuristics/kingsurroundings.h"
+#include "heuristics/otheranalyses.h"
+#include "search/hooks.h"
+#include "search/solverequest.h"
+
+#include <chrono>
+
+namespace corvina
+{
+namespace
+{
+
+constexpr std::uint32_t EDGES = SH_KEEPKINGONTHEEDGE | SH_KEEPKINGWITHINEXTEDGE;
+
+/// What needs no look at the king: the check for short mates, and the patterns with analyses of
+/// their own.
+void BeginSet(TAnalysis& a)
+{
+    a.Set(SH_3MOVESTOMATE);
+    if (HasReducedPosition(a.m_board))
+        a.Set(SH_REDUCTIONTOGLOBREGPOS);
+    ChooseMainDiagonal(a);
+    if (HasSeaSnake(a.m_board))
+        a.Set(SH_SEASNAKE);
+    if (HasZugzwang(a.m_board))
+        a.Set(SH_ZUGZWANG);
+}
+
+bool HasFewMen(const TAnalysis& a)
+{
+    constexpr int MANY_MEN = 8;
+    return a.m_facts.m_nMen < MANY_MEN;
+}
+
+/// A middling number of men: the rules for few figures have a say, and White may have to mate with
+/// pawns.
+void CheckMiddlingNumber(TAnalysis& a)
+{
+    constexpr int MANY_MEN = 13, MANY_WHITE_MEN = 7, FEW_FIGURES = 3;
+    const TChessboard& b = a.m_board;
+    TPositionFacts& f = a.m_facts;
+    const int nWhiteMen = WhiteFigures(b) + b.m_nWhitePawns + 1;
+    if (f.m_nMen >= MANY_MEN && nWhiteMen >= MANY_WHITE_MEN && WhiteFigures(b) + 1 >= FEW_FIGURES &&
+        f.m_nBlackFigures + 1 >= FEW_FIGURES)
+        return;
+    CheckSmallPosition(a, false);
+    f.m_bPawnPlay = WhiteMajors(b) == 0 && f.m_nWhiteMinors <= 1 && b.m_nWhitePawns > 0 &&
+                    BlackNeighbours(b) <= (f.m_bCorner ? 0 : 1);
+    if (f.m_bPawnPlay && (WhiteFigures(b) == 0 || f.m_nFreeSquares > 1))
+        a.SetFlag(TChessboard::POSITION_PAWNPLAY);
+}
+
+/// A list of blocked figures comes into the set when White is too weak to take them.
+void ChooseBlockedFigures(TAnalysis& a)
+{
+    constexpr int MIN_PLIES = 7, MANY_MAJORS = 3;
+    const TPositionFacts& f = a.m_facts;
+    const bool bWeak =
+        f.m_nWhiteMajors < MANY_MAJORS || 2 * f.m_nWhiteMaterial / 3 < f.m_nBlackMaterial;
+    TSquareSet figures = FindBlockedFigures(a.m_board);
+    if (a.m_board.m_nMoves < MIN_PLIES || !bWeak || !figures)
+        return;
+    a.Set(SH_DONTLETFIGUREUNBLOCK);
+    THeuristicsParams& p = a.m_params;
+    p.m_bUnblockListSet = true;
+    for (p.m_nUnblockFigures = 0; figures && p.m_nUnblockFigures < MAX_UNBLOCK_FIGURES;
+         ++p.m_nUnblockFigures)
+    {
+        const TSquare square = PopLowestSquare(figures);
+        p.m_unblockSquares[p.m_nUnblockFigures] = static_cast<std::int8_t>(square);
+        p.m_unblockSquaresAtRoot[p.m_nUnblockFigures] = static_cast<std::int8_t>(square);
+        p.m_bUnblockListHasPawn |= a.m_board.m_board[square] == BLACK_PAWN;
+    }
+}
+
+void ChooseByFigures(TAnalysis& a)
+{
+    CheckMiddlingNumber(a);
+    ChooseBlockedFigures(a);
+    PresetEdgeRelaxation(a);
+    ChooseForcedMate(a);
+    ChooseSaveQueenRook(a);
+    ChoosePromotedFigures(a);
+    ChooseReceding(a);
+    ChooseBlackQueen(a);
+}
+
+/// A promotion to a queen that White can't answer isn't worth a rule when Black has other moves.
+void DropHopelessPromotionRule(TAnalysis& a)
+{
+    constexpr int MANY_MOVES = 4;
+    if (a.Has(SH_DONTLETPROMOTEDQUEENMOVE) && a.m_facts.m_mobility.m_nMoves > MANY_MOVES &&
+        a.m_board.m_nWhiteQueens == 0 && !a.m_facts.m_bPawnPromotes)
+        a.Clear(SH_DONTLETPROMOTEDQUEENMOVE);
+}
+
+void ChooseKeyFigures(TAnalysis& a)
+{
+    const TSquare key = FindKeyWhiteFigure(a.m_board);
+    if (key != NO_SQUARE) {
+        a.Set(SH_KEYWHITEFIGURE);
+        a.m_params.m_keyFigureSquare = key;
+        a.m_params.m_bKeyFigureIsRook = a.m_board.m_board[key] == WHITE_ROOK;
+    }
+    if (IsSweepingRookType(a.m_board))
+        a.Set(SH_SWEEPINGWHITEROOK);
+    if (IsSingleQueenMate(a.m_board)) {
+        a.Set(SH_SINGLEQUEENMATE);
+        a.Clear(SH_FINDFORCEDMATE | SH_KEEPKINGONTHEEDGE | SH_REDUCTIONTOGLOBREGPOS);
+    }
+}
+
+/// No figure of Black can move, and White has what it takes to use that.
+void NoteBlockedBlack(TAnalysis& a)
+{
+    const TPositionFacts& f = a.m_facts;
+    if (f.m_nMovableFigures == 0 && f.m_nWhiteFigures >= 2 && f.m_nWhiteMajors > 0)
+        a.SetFlag(TChessboard::POSITION_BLACKBLOCKED);
+}
+
+/// A rook that shuts its own king in will have to go: the king is better surrounded than held.
+void FreeKingBehindRook(TAnalysis& a)
+{
+    const TChessboard& b = a.m_board;
+    const bool bRook = a.m_facts.m_nBlackFigures == 1 && a.m_facts.m_nMovableFigures == 0 &&
+                       (TSets::Equal(b.m_board, BLACK_ROOK) & KingZone(b.BlackKing())) != 0;
+    if (bRook && a.HasStrictKing() && BlackNeighbours(b) == 1)
+        a.Replace(SH_KEEPKINGONTHEEDGE, SH_ASSERTBLACKKINGSURROUNDED);
+}
+
+/// White's queen has so much help that the king on the outer rings has the edge left only.
+void TightenExtEdge(TAnalysis& a)
+{
+    constexpr int MANY_FIGURES = 4, FEW_FREE = 2;
+    if (a.Has(SH_KEEPKINGWITHINEXTEDGE) && a.m_board.m_nWhiteQueens > 0 &&
+        a.m_facts.m_nWhiteFigures >= MANY_FIGURES && a.m_board.BlackKingRing() <= 1 &&
+        a.m_facts.m_nFreeSquares <= FEW_FREE)
+        a.m_params.m_bExtEdgeMoveOnly = true;
+}
+
+/// The corner of a queen's mate: nothing but the distance from it counts.
+void ChooseCorner(TAnalysis& a)
+{
+    if (!IsCornerPattern(a.m_board))
+        return;
+    const int nSum = Ring(a.m_board.m_blackKingFile, 3) + Ring(3, a.m_board.m_blackKingRow);
+    a.m_params.m_nCornerDistance = static_cast<std::int8_t>(nSum == 3 ? 3 : nSum + 1);
+    a.Clear(SH_DONTLETPROMOTEDFIGUREMOVE | SH_ASSERTBLACKKINGSURROUNDED | EDGES);
+    a.Set(SH_KEEPKINGNEARCORNER | SH_DONTLETPROMOTEDQUEENMOVE);
+}
+
+void FinishSet(TAnalysis& a)
+{
+    DropHopelessPromotionRule(a);
+    ChooseKeyFigures(a);
+    NoteBlockedBlack(a);
+    FreeKingBehindRook(a);
+    if (a.Has(SH_FINDFORCEDMATE) && a.m_params.m_nFfmWithOther != FFM_OTHERS_APPLY &&
+        !a.m_params.m_bFfmPreliminary)
+        MakeForcedMateCustom(a.m_board, a.m_params);
+    DecideSafeMode(a);
+    TightenExtEdge(a);
+    ChooseCorner(a);
+    if (IsWhiteMaterialShort(a.m_board))
+        a.Set(SH_SAVEQUEENROOK);
+    ForceSafeModeForLonePiece(a);
+}
+
+void RunSteps(TAnalysis& a)
+{
+    GatherFacts(a);
+    SetMaterialFlags(a);
+    BeginSet(a);
+    if (HasFewMen(a)) {
+        CheckSmallPosition(a, true);
+    }
+    else {
+        ChooseByFigures(a);
+        ChooseKingOffEdge(a);
+        ChooseEdge(a);
+    }
+    RefineSet(a);
+    FinishSet(a);
+}
+
+/// What a set leaves unsaid goes back to its initial value, so that its text tells all of it.
+void DropUnusedParams(THeuristicSet& set)
+{
+    THeuristicSet used;
+    for (std::uint32_t nRest = set.m_nHeuristics; nRest; nRest &= nRest - 1)
+        CopyParams(nRest & (0 - nRest), set, used);
+    THeuristicsParams& p = used.m_params;
+    const THeuristicsParams& from = set.m_params;
+    p.m_bSurroundAfterExceptions = from.m_bSurroundAfterExceptions;
+    p.m_bDropQueenCheckEarly = from.m_bDropQueenCheckEarly;
+    p.m_bDropPromotedEarly = from.m_bDropPromotedEarly;
+    if (set.m_nHeuristics & SH_FINDFORCEDMATE) {
+        p.m_nFfmRelaxations = from.m_nFfmRelaxations;
+        p.m_nFfmCustomRelaxations = from.m_nFfmCustomRelaxations;
+        p.m_bFfmAddCaptures = from.m_bFfmAddCaptures;
+    }
+    set.m_params = p;
+}
+
+} // namespace
+
+TAnalysis::TAnalysis(const TChessboard& root)
+    : m_request(*root.m_pRequest), m_context(root.m_nMoves + 1), m_params(m_context), m_board(root),
+      m_trials(*this), m_bSafeMode(root.m_pRequest->m_bSafeMode)
+{
+    m_board.m_pThread = &m_context;
+    m_board.m_pParent = nullptr;
+    m_board.m_nHeuristics = m_board.m_nHeuristicsParams = 0;
+    m_context.m_pRootBoard = &m_board;
+}
+
+TPositionAnalysis CheckPositionType(const TChessboard& root)
+{
+    const auto start = std::chrono::steady_clock::now();
+    TAnalysis a(root);
+    RunSteps(a);
+    TPositionAnalysis result;
+    result.m_nWished = a.m_board.m_nHeuristics;
+    result.m_set.m_nHeuristics = a.m_board.m_nHeuristics & IMPLEMENTED_HEURISTICS;
+    result.m_set.m_params = a.m_params;
+    DropUnusedParams(result.m_set);
+    result.m_nPositionFlags = a.m_board.m_nPositionFlags;
+    result.m_bSafeMode = a.m_bSafeModeForced;
+    result.m_facts = a.m_facts;
+    result.m_vecTrials = a.m_trials.All();
+    result.m_nPositions = a.m_trials.Positions();
+    result.m_dSeconds =
+        std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    return result;
+}
+
+void TakeUpAnalysis(const TPositionAnalysis& analysis, TChessboard& root)
+{
+    TSolveRequest& request = *root.m_pRequest;
+    const THeuristicsParams before = request.m_heuristicSet.m_params;
+    request.m_heuristicSet = analysis.m_set;
+    THeuristicsParams& params = request.m_heuristicSet.m_params;
+    params.m_bLetRelax = before.m_bLetRelax;
+    params.m_bRunPass2 = before.m_bRunPass2;
+    params.m_bEnableFallback = before.m_bEnableFallback;
+    root.m_nPositionFlags = analysis.m_nPositionFlags;
+    if (analysis.m_bSafeMode)
+        request.m_bSafeMode = true;
+}
+
+} // namespace corvina
