@@ -1,8 +1,10 @@
 #include "chess/fen.h"
 #include "chess/notation.h"
+#include "heuristics/positionanalysis.h"
 #include "heuristics/relaxplan.h"
 #include "heuristics/setreader.h"
 #include "heuristics/settext.h"
+#include "search/hooks.h"
 #include "search/rootsetup.h"
 #include "search/solve.h"
 #include "support/data.h"
@@ -180,6 +182,34 @@ TEST(HeuristicsTruth, RandomSetsChangeNoSolution)
                 << Describe(task, strSet);
         }
     }
+}
+
+/// What the program itself chooses for the task, were it a longer one.
+std::string ChosenSet(const TChessboard& board)
+{
+    TSolveRequest request;
+    TChessboard& root = *request.m_pChessboard;
+    root = board;
+    request.SetMateIn(MIN_ANALYSED_PLIES / 2 + 1);
+    root.m_pRequest = &request;
+    root.CheckStartPosition(request.m_nRequestedMoves, true);
+    TakeUpAnalysis(CheckPositionType(root), root);
+    TakeUpHeuristics(root);
+    TThreadContext context(root.m_nMoves);
+    PutOnThread(root, context);
+    return root.m_nHeuristics ? GetHeuristicsText(root, false) : std::string(TEXT_NONE);
+}
+
+TEST(HeuristicsTruth, ChosenSetsChangeNoSolution)
+{
+    int nSets = 0;
+    for (const TTask& task : RandomTasks(6, {200, 150, 20})) {
+        const std::string strSet = ChosenSet(task.m_board);
+        nSets += strSet != TEXT_NONE;
+        ASSERT_EQ(SolveWith(task.m_board, task.m_nMate, strSet).m_vecSolutions, task.m_vecSolutions)
+            << Describe(task, strSet);
+    }
+    EXPECT_GT(nSets, 150);
 }
 
 TEST(HeuristicsTruth, WithoutTheLastPassOnlyDoubtsAreLeft)
