@@ -36,12 +36,17 @@ int CountMajorsWithin(const TChessboard& b, int nDistance)
 }
 
 /// White, outweighed, lives from a pawn that is about to promote.
-void ProtectPromotion(TAnalysis& a)
+bool LivesFromPromotion(const TAnalysis& a)
 {
     constexpr int NEAR = 3, FEW_PAWNS = 2;
     const TChessboard& b = a.m_board;
-    if (CountMajorsWithin(b, NEAR) != 1 || !HasPawnOnSeventhRow(b) || b.m_nWhitePawns > FEW_PAWNS ||
-        a.m_facts.m_nWhiteMaterial >= a.m_facts.m_nBlackMaterial)
+    return CountMajorsWithin(b, NEAR) == 1 && HasPawnOnSeventhRow(b) &&
+           b.m_nWhitePawns <= FEW_PAWNS && a.m_facts.m_nWhiteMaterial < a.m_facts.m_nBlackMaterial;
+}
+
+void ProtectPromotion(TAnalysis& a)
+{
+    if (!LivesFromPromotion(a))
         return;
     a.Clear(KING_FORMS | SH_SAVEQUEENROOK);
     a.Set(SH_DONTLOSEANYFIGURES);
@@ -201,6 +206,28 @@ void SurroundWithFigures(TAnalysis& a)
         a.Set(SH_ASSERTBLACKKINGSURROUNDED);
 }
 
+/// The kings face each other, and Black has hardly a figure to move: the king will be mated where
+/// he stands.
+bool IsKingPinnedDown(const TAnalysis& a)
+{
+    constexpr int CLOSE_KINGS = 2, FEW_FIGURES = 2;
+    return a.m_facts.m_nKingDistance == CLOSE_KINGS && a.m_facts.m_nMovableFigures <= FEW_FIGURES &&
+           !a.HasFlag(TChessboard::POSITION_BAREBLACKKING);
+}
+
+/// A king with few free squares stays surrounded in most solutions, whichever way he goes, while
+/// each of the forms that ask for a place is broken in many: they are worth a pass only together
+/// with it, where nothing else can happen.
+void PreferSurround(TAnalysis& a)
+{
+    constexpr int MAX_FREE = 3;
+    if (a.m_facts.m_nFreeSquares > MAX_FREE || LivesFromPromotion(a))
+        return;
+    if (!a.HasStrictKing() || !IsKingPinnedDown(a))
+        a.Clear(EDGES);
+    a.Set(SH_ASSERTBLACKKINGSURROUNDED);
+}
+
 /// The weaker forms come last, and what White can't hold for two moves is of no use.
 void CheckWeakForms(TAnalysis& a)
 {
@@ -240,8 +267,8 @@ void RefineSet(TAnalysis& a)
         ProtectPromotion,    SurroundOffEdge,     HoldByLoneMajor,  SurroundUnguardedKing,
         LetKingRecede,       SwapEdgeForSurround, SurroundHeldKing, ChooseExtEdge,
         WidenCrowdedEdge,    RelaxForBlackQueen,  CheckStrictForm,  CheckPlainForm,
-        SurroundWithFigures, CheckWeakForms,      ResolveConflicts, TryPromotedRules,
-        AdjustPromotedRules};
+        SurroundWithFigures, PreferSurround,      CheckWeakForms,   ResolveConflicts,
+        TryPromotedRules,    AdjustPromotedRules};
     for (const auto step : STEPS)
         step(a);
 }
