@@ -220,17 +220,22 @@ bool IsKingPinnedDown(const TAnalysis& a)
 /// with it, where nothing else can happen.
 void PreferSurround(TAnalysis& a)
 {
-    constexpr int MAX_FREE = 3;
+    constexpr int MAX_FREE = 3, MAX_FREE_IF_STRICT = 2, NEAR_KINGS = 3;
     if (a.m_facts.m_nFreeSquares > MAX_FREE || LivesFromPromotion(a))
         return;
     if (!a.HasStrictKing() || !IsKingPinnedDown(a))
         a.Clear(EDGES);
     a.Set(SH_ASSERTBLACKKINGSURROUNDED);
+    // With the White king at hand the net is close from the start.
+    a.m_params.m_bSurroundedStrict = !a.Has(EDGES) && a.m_facts.m_nKingDistance <= NEAR_KINGS &&
+                                     a.m_facts.m_nFreeSquares <= MAX_FREE_IF_STRICT;
 }
 
 /// The weaker forms come last, and what White can't hold for two moves is of no use.
 void CheckWeakForms(TAnalysis& a)
 {
+    if (a.m_params.m_bSurroundedStrict)
+        a.m_params.m_bSurroundedStrict = a.m_trials.TryHeuristics(SH_ASSERTBLACKKINGSURROUNDED);
     for (const std::uint32_t nForm : {SH_KEEPKINGWITHINEXTEDGE, SH_ASSERTBLACKKINGSURROUNDED}) {
         if (a.Has(nForm) && !a.m_trials.TryHeuristics(nForm))
             a.Clear(nForm);
