@@ -218,6 +218,28 @@ TEST(Cli, PassesOfARun)
               2);
 }
 
+TEST(Cli, ChosenHeuristics)
+{
+    const std::string strTask = " --fen 8/2N5/8/8/8/1p6/1p6/1k1K3R --mate 6 ";
+    const TRun shown = RunCli("analyse" + strTask);
+    EXPECT_EQ(shown.m_nExitCode, 0);
+    const auto analysis = nlohmann::json::parse(RunCli("analyse" + strTask + "--json").m_strOutput);
+    const std::string strSet = analysis["heuristics"];
+    EXPECT_NE(strSet, "none");
+    EXPECT_NE(shown.m_strOutput.find("Heuristics: " + strSet + "\n"), std::string::npos);
+    EXPECT_EQ(analysis["facts"]["men"], 6);
+    EXPECT_FALSE(analysis["trials"].empty());
+    EXPECT_TRUE(analysis["plan"].get<std::string>().starts_with("Pass 1: " + strSet));
+
+    const auto passesOf = [&](const std::string& strOptions) {
+        const TRun run = RunCli("solve" + strTask + strOptions + " --json 2>/dev/null");
+        return nlohmann::json::parse(run.m_strOutput)["passes"];
+    };
+    EXPECT_TRUE(passesOf("--auto")[0]["heuristics"].get<std::string>().starts_with(strSet));
+    EXPECT_EQ(passesOf("--auto --no-heuristics")[0]["heuristics"], "none");
+    EXPECT_EQ(RunCli("solve" + strTask + "--auto --heuristics none").m_nExitCode, 2);
+}
+
 TEST(Cli, ProblemFiles)
 {
     const corvina::TTemporaryFolder folder;
