@@ -62,7 +62,8 @@ void PlaceFigure(TChessboard& board, std::string_view strItem, const TListTexts&
         throw ChessException(std::string(texts.m_pName) + pText + std::string(strItem));
     };
     if (strItem.size() != 2 && strItem.size() != 3)
-        fail(" figure specification is invalid: ");
+        fail(" figure specifi"
+             "cation is invalid: ");
     const bool bPawn = strItem.size() == 2;
     const TFigure kind = bPawn ? KIND_PAWN : FigureFromLetter(strItem[0]);
     const TSquare square = SquareAt(strItem, bPawn ? 0 : 1);
