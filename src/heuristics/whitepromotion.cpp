@@ -1,3 +1,4 @@
+#include "chess/replies.h"
 #include "heuristics/attacksets.h"
 #include "heuristics/kingsurroundings.h"
 
@@ -19,19 +20,12 @@ bool GetsThroughNow(TChessboard& board, TSquare pawn);
 /// The pawn gets through whatever Black plays. Stalemate saves Black, mate doesn't.
 bool GetsThroughAfterAnyReply(TChessboard& board, TSquare pawn)
 {
-    TMoveList moves;
-    const int nMoves = board.GenerateBlackMoves(moves.data());
-    bool bHasReply = board.m_blackChecker != NO_CHECK;
-    for (int i = 0; i < nMoves; ++i) {
-        TChessboard child = board;
-        child.m_pParent = &board;
-        if (!child.MakeBlackMove(&moves[i]))
-            continue;
-        bHasReply = true;
-        if (!GetsThroughNow(child, pawn))
-            return false;
-    }
-    return bHasReply;
+    bool bHasReply = false;
+    const bool bAlways =
+        HoldsForEachReply(board, &bHasReply, [pawn](TChessboard& child, const TMove&) {
+            return GetsThroughNow(child, pawn);
+        });
+    return bAlways && (bHasReply || board.m_blackChecker != NO_CHECK);
 }
 
 /// Is the move of the pawn one that the test follows? Promotions to a queen stand for all, and a

@@ -1,5 +1,6 @@
 #include "search/verify.h"
 
+#include "chess/replies.h"
 #include "registers/positionkey.h"
 #include "search/hooks.h"
 #include "search/line.h"
@@ -98,26 +99,21 @@ private:
     /// Black to move: White mates after every reply, or has mated.
     bool HoldsAgainstAll(TChessboard& board)
     {
-        TMoveList moves;
-        const int nMoves = board.GenerateBlackMoves(moves.data());
         bool bHasReply = false;
-        for (int i = 0; i < nMoves; ++i) {
-            TChessboard child = board;
-            child.m_pParent = &board;
-            if (!child.MakeBlackMove(&moves[i]))
-                continue;
-            bHasReply = true;
-            // A reply is left when no half-move is: no mate.
-            if (board.m_nMoves == 0)
-                return false;
-            m_vecLine.push_back(moves[i]);
-            const bool bHolds = HoldsAtWhite(child);
-            if (!bHolds && m_vecRefutation.empty())
-                m_vecRefutation = m_vecLine;
-            m_vecLine.pop_back();
-            if (!bHolds)
-                return false;
-        }
+        const bool bAll =
+            HoldsForEachReply(board, &bHasReply, [&](TChessboard& child, const TMove& move) {
+                // A reply is left when no half-move is: no mate.
+                if (board.m_nMoves == 0)
+                    return false;
+                m_vecLine.push_back(move);
+                const bool bHolds = HoldsAtWhite(child);
+                if (!bHolds && m_vecRefutation.empty())
+                    m_vecRefutation = m_vecLine;
+                m_vecLine.pop_back();
+                return bHolds;
+            });
+        if (!bAll)
+            return false;
         const bool bMate = !bHasReply && board.m_blackChecker != NO_CHECK;
         m_verification.m_nMates += bMate;
         return bHasReply || bMate;
@@ -193,19 +189,13 @@ private:
     {
         if (board.m_nMoves == 0)
             return board.m_blackChecker != NO_CHECK && !board.CanBlackEscapeCheck();
-        TMoveList moves;
-        const int nMoves = board.GenerateBlackMoves(moves.data());
         bool bHasReply = false;
-        for (int i = 0; i < nMoves; ++i) {
-            TChessboard child = board;
-            child.m_pParent = &board;
-            if (!child.MakeBlackMove(&moves[i]))
-                continue;
-            bHasReply = true;
-            if (child.m_nMoves <= 3 ? !IsMateWithoutHeuristics(child) : !IsMateByRegister(child))
-                return false;
-        }
-        return bHasReply || board.m_blackChecker != NO_CHECK;
+        const bool bAll =
+            HoldsForEachReply(board, &bHasReply, [&](TChessboard& child, const TMove&) {
+                return child.m_nMoves <= 3 ? IsMateWithoutHeuristics(child)
+                                           : IsMateByRegister(child);
+            });
+        return bAll && (bHasReply || board.m_blackChecker != NO_CHECK);
     }
 
     bool IsMateByRegister(TChessboard& board)
