@@ -3,7 +3,9 @@
 #include "chess/notation.h"
 #include "cli/commands.h"
 #include "cli/task.h"
+#include "heuristics/positionanalysis.h"
 #include "heuristics/setreader.h"
+#include "heuristics/settext.h"
 #include "platform/watchdog.h"
 
 #include <CLI/CLI.hpp>
@@ -35,6 +37,15 @@ void ApplySetOptions(TSolveRequest& request, const TSolveOptions& options)
     if (options.m_nShortMate)
         request.m_shLookForQuickerMateDepth =
             static_cast<std::int16_t>(HalfMovesOfMate(options.m_nShortMate));
+}
+
+/// Says which heuristics of the set don't cut anything.
+void NoteWithoutEffect(const THeuristicSet& set)
+{
+    for (std::uint32_t nRest = set.m_nHeuristics & ~IMPLEMENTED_HEURISTICS; nRest;
+         nRest &= nRest - 1)
+        std::fprintf(stderr, "Note: %s has no test in this version and cuts nothing.\n",
+                     GetHeuristicName(nRest & -nRest).c_str());
 }
 
 void PrintPass(const TPassReport& report)
@@ -93,6 +104,7 @@ TSolveOutcome SolveWithOptions(TSolveRequest& request, const TSolveOptions& opti
     request.m_bPlain = options.m_bPlain;
     request.m_bUseRegister = !options.m_bNoRegister;
     ApplySetOptions(request, options);
+    NoteWithoutEffect(request.m_heuristicSet);
     const bool bTell =
         (request.m_heuristicSet.m_nHeuristics != 0 || request.m_bAnalyse) && !options.m_bPlain;
     request.OnPassEnd = [&vecPasses, bTell](const TPassReport& report) {

@@ -15,11 +15,14 @@
 namespace corvina
 {
 
-/// The heuristics that the search has tests for. A pass under any other would only repeat the work
-/// of the next one, so that no run begins with it.
+/// The heuristics that the search has tests for. A pass under any other only repeats the work of
+/// the next one.
 constexpr std::uint32_t IMPLEMENTED_HEURISTICS =
     SH_AREKINGSNEAR | SH_KEEPKINGNEARCORNER | SH_KEEPKINGONTHEEDGE | SH_KEEPKINGWITHINEXTEDGE |
-    SH_ASSERTBLACKKINGSURROUNDED | SH_DONTRECEDEBLACKKING;
+    SH_ASSERTBLACKKINGSURROUNDED | SH_DONTRECEDEBLACKKING | SH_FINDFORCEDMATE;
+
+/// Those that the analysis puts into a set; the forced mate search is left to the user.
+constexpr std::uint32_t CHOSEN_HEURISTICS = IMPLEMENTED_HEURISTICS & ~SH_FINDFORCEDMATE;
 
 /// Tasks with fewer half-moves are solved sooner than they are analysed.
 constexpr int MIN_ANALYSED_PLIES = 11;
