@@ -1,5 +1,6 @@
 #include "search/plainsearch.h"
 
+#include "search/ordering.h"
 #include "search/solverequest.h"
 
 namespace corvina
@@ -30,6 +31,8 @@ std::int8_t PlainSearchBlack(TChessboard& board)
     TThreadContext& context = ContextOf(board);
     TMoveList moves;
     const int nMoves = board.GenerateBlackMoves(moves.data());
+    TKiller& killer = context.m_aBlackKillers[board.m_nMoves];
+    BringKillerToFront(board, killer, moves.data(), nMoves);
     bool bHasReply = false;
     for (int i = 0; i < nMoves; ++i) {
         TChessboard& child = context.MakeChild(board);
@@ -37,8 +40,10 @@ std::int8_t PlainSearchBlack(TChessboard& board)
             continue;
         ++context.m_nPositions;
         bHasReply = true;
-        if (PlainSearchWhite(child) != 1)
+        if (PlainSearchWhite(child) != 1) {
+            killer = {moves[i], board.m_board[moves[i].m_from]};
             return 0;
+        }
     }
     return bHasReply || board.m_blackChecker != NO_CHECK;
 }
