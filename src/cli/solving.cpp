@@ -28,7 +28,8 @@ void ApplySetOptions(TSolveRequest& request, const TSolveOptions& options)
     if (options.m_strHeuristics)
         ReadHeuristicsText(*options.m_strHeuristics, set, request.m_pChessboard.get());
     const bool bGiven = set.m_nHeuristics != 0 || options.m_strHeuristics;
-    request.m_bAnalyse = options.m_bAuto && !options.m_bNoHeuristics && !bGiven;
+    request.m_bAnalyse = !options.m_bNoHeuristics && !bGiven;
+    request.m_bProofSearch = !options.m_bNoHeuristics && !options.m_bNoScout;
     set.m_params.m_bLetRelax = !options.m_bNoRelax;
     set.m_params.m_bRunPass2 = !options.m_bNoPass2;
     set.m_params.m_bEnableFallback = !options.m_bNoFallback;
@@ -67,13 +68,11 @@ void AddSolveOptions(CLI::App& command, TSolveOptions& options)
     CLI::Option* pSet =
         command.add_option("--heuristics", options.m_strHeuristics,
                            "begin with this set, as in \"SH_KEEPKINGONTHEEDGE(C1f), "
-                           "SH_DONTLOSEANYFIGURES\"; \"none\"");
-    command.add_flag("--no-heuristics", options.m_bNoHeuristics, "begin with the last pass")
+                           "SH_DONTLOSEANYFIGURES\"; \"none\" (chosen by the position)");
+    command.add_flag("--no-heuristics", options.m_bNoHeuristics, "begin with the last pass, and leave out the scout")
         ->excludes(pSet);
-    command
-        .add_flag("--auto", options.m_bAuto,
-                  "let the program choose heuristics for tasks of 6 moves and more")
-        ->excludes(pSet);
+    command.add_flag("--no-scout", options.m_bNoScout,
+                     "leave out the proof-number search that goes beside the passes with --first");
     command.add_flag("--no-relax", options.m_bNoRelax,
                      "one pass with heuristics only, then the last pass");
     command.add_flag("--no-pass2", options.m_bNoPass2,

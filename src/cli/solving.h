@@ -28,7 +28,7 @@ struct TSolveOptions
     bool m_bNoRegister = false;
     std::optional<std::string> m_strHeuristics; ///< the set, in the place of the problem's
     bool m_bNoHeuristics = false;
-    bool m_bAuto = false;         ///< the run chooses its set itself, unless one is given
+    bool m_bNoScout = false;
     bool m_bNoRelax = false;    ///< one pass with heuristics
     bool m_bNoPass2 = false;    ///< no pass without
     bool m_bNoFallback = false; ///< no stricter set within a line of play

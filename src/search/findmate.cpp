@@ -9,6 +9,7 @@
 #include "search/ordering.h"
 #include "search/plainsearch.h"
 #include "search/rootsetup.h"
+#include "search/scout.h"
 #include "search/whitecuts.h"
 
 #include <algorithm>
@@ -25,14 +26,16 @@ constexpr int MAX_ROOT_THREADS = 64;
 constexpr std::size_t MIN_THREAD_STACK = std::size_t{1} << 20;
 
 /// A thread's stack per half-move of the task. A node holds its move list there.
-constexpr std::size_t STACK_PER_PLY = 8192;
+constexpr std::size_t STACK_PER_PLY = 12288;
 
 /// What the root threads of a run share beside the request.
 struct TRun
 {
     TRun(const TChessboard& root, std::vector<TMove> vecMoves, int nThreads)
         : m_root(root), m_nThreads(nThreads), m_table(std::move(vecMoves)),
-          m_passes(nThreads, root.m_pRequest->OnPassEnd)
+          m_passes(nThreads, root.m_pRequest->OnPassEnd),
+          m_scouting(root.m_pRequest->m_bProofSearch && !root.m_pRequest->m_bPlain &&
+                     (root.m_pRequest->m_nSearchMode & SEARCH_FIRST))
     {
     }
 
@@ -40,8 +43,11 @@ struct TRun
     const int m_nThreads;
     TFirstMoveTable m_table;
     TPassBook m_passes;
+    TScouting m_scouting;
     std::atomic<bool> m_bFoundEnough{false}; ///< the mode asks for no more solutions
     std::atomic<std::uint64_t> m_nPositions{0};
+    std::atomic<std::uint64_t> m_nScoutPositions{0};
+    std::atomic<bool> m_bFoundByScout{false};
     std::array<std::uint64_t, 32> m_anCuts{}; ///< guarded by m_mutex
 
     void AddCounts(const TThreadContext& context)
@@ -67,6 +73,9 @@ public:
     {
         m_context.m_nThreadId = nThreadId;
         PutOnThread(m_board, m_context);
+        if (m_run.m_scouting.IsWanted())
+            m_scout.emplace(m_run.m_root, m_run.m_scouting, m_context,
+                            [this](const TMove& key) { OnScoutProved(key); });
     }
 
     void Run()
@@ -79,6 +88,10 @@ public:
             Decide(*pick);
         }
         m_run.m_passes.Leave(m_nRound);
+        if (m_scout) {
+            m_context.m_nPositions += m_scout->Positions();
+            m_run.m_nScoutPositions += m_scout->Positions();
+        }
         m_run.AddCounts(m_context);
         ++m_request.m_nRunningThreads;
     }
@@ -185,6 +198,15 @@ private:
         }
     }
 
+    void OnScoutProved(const TMove& key)
+    {
+        if (!m_run.m_table.RecordMate(key))
+            return;
+        m_run.m_passes.CountDecision(m_nRound);
+        m_run.m_bFoundByScout = true;
+        OnSolution(key);
+    }
+
     bool IsGivenUp() { return m_request.IsStopped(m_context.m_nThreadId); }
 
     TSearchResult Analyse(TMove move)
@@ -219,6 +241,7 @@ private:
     TSolveRequest& m_request;
     TChessboard m_board; ///< the thread's own root
     TThreadContext m_context;
+    std::optional<TScout> m_scout;
     std::uint8_t m_nRound = 0;
     int m_nDescribed = -1; ///< the last round whose pass the thread has told
 };
@@ -333,6 +356,8 @@ std::int8_t FindMate(TChessboard& root, std::vector<TMove>& vecResult)
     RunThreads(run);
 
     request.m_nPositions = run.m_nPositions;
+    request.m_nScoutPositions = run.m_nScoutPositions;
+    request.m_bFoundByScout = run.m_bFoundByScout;
     request.m_anCuts = run.m_anCuts;
     const bool bOpen = !run.m_bFoundEnough && run.m_table.HasOpenMoves();
     request.m_bCutShort = bOpen && request.IsStoppedForAll();

@@ -40,6 +40,9 @@ public:
     /// move.
     bool Record(std::size_t nIndex, TSearchResult nResult);
 
+    /// Records a proof that was found beside the picks. True when this call decided the move.
+    bool RecordMate(const TMove& move);
+
     const TMove& Move(std::size_t nIndex) const { return m_vecFirstMoves[nIndex]; }
     std::size_t Size() const { return m_vecFirstMoves.size(); }
 

@@ -70,6 +70,7 @@ struct TSolveRequest : TProblem, TStopBlock, TRegisterHost
     std::atomic<bool> m_bSafeMode{false}; ///< a relaxation of any thread may turn it on
 
     THeuristicSet m_heuristicSet; ///< that the run begins with
+    bool m_bProofSearch = false;  ///< a search for the first solution has a scout beside it
     bool m_bAnalyse = false;      ///< the run chooses its set itself, if it is long enough for that
 
     // Men of the root position: queens, rooks, bishops and knights, and pawns.
@@ -89,6 +90,8 @@ struct TSolveRequest : TProblem, TStopBlock, TRegisterHost
     bool m_bClearRegister = false;  ///< what earlier runs have learnt is forgotten at the start
     bool m_bShareMoves = true;      ///< two threads may analyse one first move
     std::uint64_t m_nPositions = 0; ///< legal moves made in the last run
+    std::uint64_t m_nScoutPositions = 0; ///< those of the scout among them
+    bool m_bFoundByScout = false;        ///< the solution of the last run is the scout's
     std::array<std::uint64_t, 32> m_anCuts{}; ///< lines cut in the last run, by heuristic
 
     bool m_bRegisterConfirm = false; ///< hits under heuristics count only for the exact setting

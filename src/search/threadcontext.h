@@ -6,6 +6,7 @@
 
 #include <array>
 #include <cstdint>
+#include <limits>
 #include <vector>
 
 namespace corvina
@@ -21,6 +22,8 @@ struct TKiller
 
 /// TThreadContext::m_nDoubtReason: the register knew the position as doubtful.
 constexpr std::uint32_t DOUBT_REGISTER = 0xFFFFFFFF;
+
+class TScout;
 
 /// Everything that a search thread does not share: the line that it follows, the state of the
 /// nodes on it, and its counters. One per thread of a run.
@@ -74,6 +77,11 @@ public:
     /// A mate was proved by a capture of the figure that Black had just promoted: it holds against
     /// each of the four.
     bool m_bSkipEqualPromotions = false;
+
+    /// Proof-number search beside the passes: who does it, or null, and the count of positions at
+    /// which it is asked again.
+    TScout* m_pScout = nullptr;
+    std::uint64_t m_nScoutDue = std::numeric_limits<std::uint64_t>::max();
 
     TMove m_firstMove{};           ///< the first move that the thread analyses
     bool m_bSuspendResume = false; ///< the thread has stopped itself and lifts that

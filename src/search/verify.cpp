@@ -1,18 +1,15 @@
 #include "search/verify.h"
 
 #include "chess/replies.h"
-#include "registers/positionkey.h"
 #include "search/hooks.h"
-#include "search/line.h"
 #include "search/nodes.h"
 #include "search/ordering.h"
+#include "search/provedpositions.h"
 #include "search/registeraccess.h"
 #include "search/rootsetup.h"
 
 #include <algorithm>
 #include <optional>
-#include <string_view>
-#include <unordered_map>
 
 namespace corvina
 {
@@ -21,23 +18,6 @@ namespace
 
 /// With so many half-moves left, or fewer, the engine is asked without heuristics.
 constexpr int MAX_PLIES_WITHOUT_HEURISTICS = 11;
-
-struct TKeyHash
-{
-    std::size_t operator()(const TPositionKey& key) const
-    {
-        return std::hash<std::string_view>()(
-            {reinterpret_cast<const char*>(key.m_board), sizeof(key.m_board)});
-    }
-};
-
-struct TKeyEqual
-{
-    bool operator()(const TPositionKey& a, const TPositionKey& b) const
-    {
-        return AreKeysEqual(a.m_board, b.m_board);
-    }
-};
 
 /// Puts a set on a record and its thread for the life of the object.
 class TSetHold
@@ -123,24 +103,12 @@ private:
     {
         if (IsStopped())
             return false;
-        const bool bKeyed = IsRegisterable(board);
-        const TPositionKey key = TPositionKey::Of(board.m_board);
-        if (bKeyed) {
-            const auto proved = m_mapProved.find(key);
-            if (proved != m_mapProved.end() && proved->second <= board.m_nMoves)
-                return true;
-        }
+        if (m_proved.Has(board))
+            return true;
         if (!HasContinuation(board))
             return false;
         m_vecRefutation.clear(); // of a move that another one replaces
-        if (bKeyed) {
-            const auto [place, bNew] = m_mapProved.try_emplace(key, board.m_nMoves);
-            place->second = std::min(place->second, board.m_nMoves);
-            m_verification.m_nPositions += bNew;
-        }
-        else {
-            ++m_verification.m_nPositions;
-        }
+        m_verification.m_nPositions += m_proved.Add(board);
         return true;
     }
 
@@ -240,8 +208,7 @@ private:
     TVerification m_verification;
     std::vector<TMove> m_vecLine;       ///< to the position at hand
     std::vector<TMove> m_vecRefutation; ///< the first line at whose end White had nothing
-    /// Positions that are proved, with the half-moves that suffice.
-    std::unordered_map<TPositionKey, std::uint16_t, TKeyHash, TKeyEqual> m_mapProved;
+    TProvedPositions m_proved;
 };
 
 } // namespace

@@ -4,6 +4,7 @@
 #include "search/hooks.h"
 #include "search/line.h"
 #include "search/registeraccess.h"
+#include "search/scout.h"
 #include "search/shortmate.h"
 #include "search/solverequest.h"
 
@@ -136,6 +137,8 @@ private:
                 return RESULT_NO_MATE;
             }
             m_context.m_anMoveIndex[m_nDepth] = static_cast<std::uint8_t>(i);
+            if (m_context.m_nPositions >= m_context.m_nScoutDue)
+                m_context.m_pScout->Work();
             const TSearchResult nResult = TryMove(pMoves[i]);
             if (nResult == RESULT_MATE) {
                 m_context.m_aWhiteKillers[m_nDepth] = {pMoves[i],

@@ -1,0 +1,70 @@
+#ifndef CORVINA_SEARCH_SCOUT_H
+#define CORVINA_SEARCH_SCOUT_H
+
+#include "search/proofsearch.h"
+
+#include <atomic>
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <optional>
+
+namespace corvina
+{
+
+/// What the scouts of a run share.
+class TScouting
+{
+public:
+    explicit TScouting(bool bWanted) : m_bWanted(bWanted) {}
+
+    bool IsWanted() const { return m_bWanted; }
+
+private:
+    friend class TScout;
+
+    /// The table, made when the first scout sets out; null when there is no memory for it.
+    TProofTable* Table();
+
+    const bool m_bWanted;
+    std::mutex m_csTable; ///< guards the making of the table
+    std::unique_ptr<TProofTable> m_pTable;
+    std::atomic<bool> m_bEnded{false}; ///< a scout has an answer: the others leave off
+};
+
+/// Proof-number search of a root thread for a first solution, slice by slice within the thread's
+/// passes: long mates are found by it, and what it can't find, the passes do.
+class TScout
+{
+public:
+    /// Enters itself into the context, whose thread it works for. OnProved is called, from Work,
+    /// with a first move whose proof has been walked. All must outlive the scout.
+    TScout(const TChessboard& root, TScouting& scouting, TThreadContext& context,
+           std::function<void(const TMove& key)> onProved);
+    ~TScout();
+    TScout(const TScout&) = delete;
+    TScout& operator=(const TScout&) = delete;
+
+    /// Takes its share of the time that the thread's passes have used since the last call.
+    void Work();
+
+    std::uint64_t Positions() const { return m_search ? m_search->Positions() : 0; }
+
+private:
+    using TClock = std::chrono::steady_clock;
+
+    void SearchSlice();
+
+    const TChessboard& m_root;
+    TScouting& m_scouting;
+    TThreadContext& m_context; ///< of the thread's passes
+    const std::function<void(const TMove& key)> OnProved;
+    std::optional<TProofSearch> m_search; ///< none before the first slice
+    TClock::time_point m_tReturned;       ///< to the passes
+    TClock::duration m_passTime{}, m_scoutTime{};
+};
+
+} // namespace corvina
+
+#endif
