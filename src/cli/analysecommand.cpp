@@ -59,7 +59,8 @@ std::vector<std::string> FlagTexts(std::uint16_t nFlags)
 std::vector<std::string> LeftOut(const TPositionAnalysis& analysis)
 {
     std::vector<std::string> vecNames;
-    for (std::uint32_t nRest = analysis.m_nWished & ~CHOSEN_HEURISTICS; nRest; nRest &= nRest - 1)
+    for (std::uint32_t nRest = analysis.m_nWished & ~IMPLEMENTED_HEURISTICS; nRest;
+         nRest &= nRest - 1)
         vecNames.push_back(GetHeuristicName(nRest & (0 - nRest)));
     return vecNames;
 }

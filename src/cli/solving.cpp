@@ -69,7 +69,9 @@ void AddSolveOptions(CLI::App& command, TSolveOptions& options)
         command.add_option("--heuristics", options.m_strHeuristics,
                            "begin with this set, as in \"SH_KEEPKINGONTHEEDGE(C1f), "
                            "SH_DONTLOSEANYFIGURES\"; \"none\" (chosen by the position)");
-    command.add_flag("--no-heuristics", options.m_bNoHeuristics, "begin with the last pass, and leave out the scout")
+    command
+        .add_flag("--no-heuristics", options.m_bNoHeuristics,
+                  "begin with the last pass, and leave out the scout")
         ->excludes(pSet);
     command.add_flag("--no-scout", options.m_bNoScout,
                      "leave out the proof-number search that goes beside the passes with --first");
@@ -104,16 +106,20 @@ TSolveOutcome SolveWithOptions(TSolveRequest& request, const TSolveOptions& opti
     request.m_bUseRegister = !options.m_bNoRegister;
     ApplySetOptions(request, options);
     NoteWithoutEffect(request.m_heuristicSet);
-    const bool bTell =
-        (request.m_heuristicSet.m_nHeuristics != 0 || request.m_bAnalyse) && !options.m_bPlain;
-    request.OnPassEnd = [&vecPasses, bTell](const TPassReport& report) {
+    request.OnPassEnd = [&](const TPassReport& report) {
         vecPasses.push_back(report);
-        if (bTell)
+        // A run of the last pass alone is nothing to tell.
+        if (request.m_heuristicSet.m_nHeuristics != 0 && !options.m_bPlain)
             PrintPass(report);
     };
 
     const auto pWatchdog = StopAfter(request, options.m_dSeconds);
-    return Solve(request, settings);
+    const TSolveOutcome outcome = Solve(request, settings);
+    if (request.m_bFoundByScout)
+        std::fprintf(stderr, "Scout: 1.%s proved, %llu positions\n",
+                     PrintMove(outcome.m_vecSolutions[0], *request.m_pChessboard).c_str(),
+                     static_cast<unsigned long long>(request.m_nScoutPositions));
+    return outcome;
 }
 
 std::string Joined(const std::vector<std::string>& vecTexts, const char* pSeparator)
@@ -237,6 +243,9 @@ void AddResultTo(nlohmann::ordered_json& line, const TSolveRequest& request,
                           {"heuristics", report.m_strSet},
                           {"decided", report.m_nDecided},
                           {"seconds", report.m_dSeconds}});
+    if (request.m_nScoutPositions)
+        line["scout"] = {{"positions", request.m_nScoutPositions},
+                         {"proved", request.m_bFoundByScout}};
     line["seconds"] = outcome.m_elapsed.count();
     line["positions"] = request.m_nPositions;
 }

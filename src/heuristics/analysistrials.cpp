@@ -257,7 +257,7 @@ bool TTrials::TryHeuristics(std::uint32_t nMask, int nDepth)
 {
     if (nDepth == 0)
         nDepth = DefaultDepth(nMask);
-    nMask &= CHOSEN_HEURISTICS;
+    nMask &= IMPLEMENTED_HEURISTICS;
     if (nMask == 0 || m_analysis.m_request.IsStoppedForAll())
         return true;
     const TStateGuard state(m_analysis);

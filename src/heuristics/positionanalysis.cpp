@@ -226,7 +226,7 @@ TPositionAnalysis CheckPositionType(const TChessboard& root)
     RunSteps(a);
     TPositionAnalysis result;
     result.m_nWished = a.m_board.m_nHeuristics;
-    result.m_set.m_nHeuristics = a.m_board.m_nHeuristics & CHOSEN_HEURISTICS;
+    result.m_set.m_nHeuristics = a.m_board.m_nHeuristics & IMPLEMENTED_HEURISTICS;
     result.m_set.m_params = a.m_params;
     DropUnusedParams(result.m_set);
     result.m_nPositionFlags = a.m_board.m_nPositionFlags;

@@ -21,9 +21,6 @@ constexpr std::uint32_t IMPLEMENTED_HEURISTICS =
     SH_AREKINGSNEAR | SH_KEEPKINGNEARCORNER | SH_KEEPKINGONTHEEDGE | SH_KEEPKINGWITHINEXTEDGE |
     SH_ASSERTBLACKKINGSURROUNDED | SH_DONTRECEDEBLACKKING | SH_FINDFORCEDMATE;
 
-/// Those that the analysis puts into a set; the forced mate search is left to the user.
-constexpr std::uint32_t CHOSEN_HEURISTICS = IMPLEMENTED_HEURISTICS;
-
 /// Tasks with fewer half-moves are solved sooner than they are analysed.
 constexpr int MIN_ANALYSED_PLIES = 11;
 

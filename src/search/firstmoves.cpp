@@ -52,9 +52,8 @@ bool TFirstMoveTable::Record(std::size_t nIndex, TSearchResult nResult)
 bool TFirstMoveTable::RecordMate(const TMove& move)
 {
     const std::lock_guard guard(m_csTable);
-    const auto place =
-        std::find_if(m_vecFirstMoves.begin(), m_vecFirstMoves.end(),
-                     [&](const TMove& other) { return IsSameMove(move, other); });
+    const auto place = std::find_if(m_vecFirstMoves.begin(), m_vecFirstMoves.end(),
+                                    [&](const TMove& other) { return IsSameMove(move, other); });
     if (place == m_vecFirstMoves.end())
         return false;
     TSearchResult& nResult = m_vecResult[static_cast<std::size_t>(place - m_vecFirstMoves.begin())];

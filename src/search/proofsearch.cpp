@@ -81,9 +81,8 @@ bool TProofSearch::HasReply(TChessboard& board)
         return board.CanBlackEscapeCheck();
     TMoveList moves;
     const int nMoves = board.GenerateBlackMoves(moves.data());
-    return std::any_of(moves.data(), moves.data() + nMoves, [&](const TMove& move) {
-        return Make(m_context.MakeChild(board), move);
-    });
+    return std::any_of(moves.data(), moves.data() + nMoves,
+                       [&](const TMove& move) { return Make(m_context.MakeChild(board), move); });
 }
 
 /// Numbers of a position that the table doesn't know.
@@ -158,8 +157,7 @@ TProofSearch::TChoice TProofSearch::Choose(const std::vector<TChild>& vecChildre
         std::uint32_t nRank = nOwn;
         if (nOwn < INFINITE) {
             const auto& nVisitors = m_table.Visitors(vecChildren[i].m_nKey, nPlies - 1);
-            nRank = std::min(INFINITE - 1,
-                             nOwn * (1 + nVisitors.load(std::memory_order_relaxed)));
+            nRank = std::min(INFINITE - 1, nOwn * (1 + nVisitors.load(std::memory_order_relaxed)));
         }
         if (nRank < nBestRank) {
             nBestRank = nRank;
@@ -172,10 +170,9 @@ TProofSearch::TChoice TProofSearch::Choose(const std::vector<TChild>& vecChildre
         nLeast = std::min(nLeast, nOwn);
     }
     Own(choice.m_node, bWhite) = nLeast;
-    Other(choice.m_node, bWhite) =
-        nLargest >= INFINITE || choice.m_nOpen == 0
-            ? nLargest
-            : std::min(INFINITE - 1, nLargest + choice.m_nOpen - 1);
+    Other(choice.m_node, bWhite) = nLargest >= INFINITE || choice.m_nOpen == 0
+                                       ? nLargest
+                                       : std::min(INFINITE - 1, nLargest + choice.m_nOpen - 1);
     return choice;
 }
 
@@ -188,8 +185,8 @@ TProofNumbers TProofSearch::Limits(const TChoice& choice, const TChild& child, T
     Own(result, bWhite) =
         std::max(Own(numbers, bWhite), std::min(Own(limits, bWhite) - 1, nSecond)) + 1;
     const std::uint32_t nOther = Other(limits, bWhite);
-    Other(result, bWhite) = std::max(
-        Other(numbers, bWhite) + 1, nOther > choice.m_nOpen ? nOther - choice.m_nOpen + 1 : 1);
+    Other(result, bWhite) = std::max(Other(numbers, bWhite) + 1,
+                                     nOther > choice.m_nOpen ? nOther - choice.m_nOpen + 1 : 1);
     return result;
 }
 
@@ -221,7 +218,8 @@ void TProofSearch::SearchNode(TChessboard& board, std::uint64_t nKey, TProofNumb
         if (Settle(board, nKey, vecChildren, choice))
             return;
         if (choice.m_node.m_nProof >= limits.m_nProof ||
-            choice.m_node.m_nDisproof >= limits.m_nDisproof || IsOver()) {
+            choice.m_node.m_nDisproof >= limits.m_nDisproof || IsOver())
+        {
             m_table.Store(nKey, nPlies, choice.m_node);
             return;
         }
@@ -242,15 +240,22 @@ void TProofSearch::SearchNode(TChessboard& board, std::uint64_t nKey, TProofNumb
 
 TProofSearch::EAnswer TProofSearch::Search(std::uint64_t nPositions)
 {
-    m_nEnd = m_context.m_nPositions + nPositions;
+    const std::uint64_t nStart = m_context.m_nPositions;
+    m_nEnd = nStart + nPositions;
     SearchNode(m_board, m_nRootKey, {INFINITE - 1, INFINITE - 1});
     TProofNumbers numbers;
-    if (!m_table.Find(m_nRootKey, m_board.m_nMoves, &numbers))
-        return EAnswer::Open;
-    return numbers.IsMate() ? EAnswer::Mate : numbers.IsNoMate() ? EAnswer::NoMate : EAnswer::Open;
+    if (m_table.Find(m_nRootKey, m_board.m_nMoves, &numbers)) {
+        if (numbers.IsMate())
+            return EAnswer::Mate;
+        if (numbers.IsNoMate())
+            return EAnswer::NoMate;
+    }
+    m_table.NotePositions(m_context.m_nPositions - nStart);
+    return EAnswer::Open;
 }
 
-/// Index of White's move that the table knows to mate, -1: none. What it has lost is searched again.
+/// Index of White's move that the table knows to mate, -1: none. What it has lost is searched
+/// again.
 int TProofSearch::MatingMove(TChessboard& board)
 {
     const std::uint64_t nKey = TProofTable::KeyOf(board);

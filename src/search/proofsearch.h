@@ -21,7 +21,8 @@ namespace corvina
 class TProofSearch
 {
 public:
-    /// Of the root's task; the root must outlive the object. Throws std::bad_alloc.
+    /// Of the root's task, with at least 5 half-moves; the root must outlive the object. Throws
+    /// std::bad_alloc.
     TProofSearch(const TChessboard& root, TProofTable& table, std::uint16_t nThreadId);
 
     enum class EAnswer : std::uint8_t
@@ -70,8 +71,8 @@ private:
     TChoice Choose(const std::vector<TChild>& vecChildren, int nPlies, bool bWhite) const;
     TProofNumbers Limits(const TChoice& choice, const TChild& child, TProofNumbers limits,
                          bool bWhite) const;
-    bool Settle(const TChessboard& board, std::uint64_t nKey, const std::vector<TChild>& vecChildren,
-                const TChoice& choice);
+    bool Settle(const TChessboard& board, std::uint64_t nKey,
+                const std::vector<TChild>& vecChildren, const TChoice& choice);
 
     /// Searches below the position until a number reaches its limit, or the time is over.
     void SearchNode(TChessboard& board, std::uint64_t nKey, TProofNumbers limits);
@@ -88,7 +89,7 @@ private:
     bool m_bRegister; ///< the run has one for this task
     std::uint64_t m_nRootKey;
     TProvedPositions m_proved;
-    std::uint64_t m_nEnd = 0;                        ///< of m_context.m_nPositions
+    std::uint64_t m_nEnd = 0;                       ///< of m_context.m_nPositions
     std::vector<std::vector<TChild>> m_vecChildren; ///< by half-moves left
 };
 

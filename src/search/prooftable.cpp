@@ -2,12 +2,10 @@
 
 #include "platform/machine.h"
 
-#include <sys/mman.h>
 #include <algorithm>
 #include <bit>
 #include <cstring>
 #include <limits>
-#include <new>
 
 namespace corvina
 {
@@ -16,6 +14,11 @@ namespace
 
 constexpr std::uint64_t MAX_BYTES = std::uint64_t{1} << 29;
 constexpr std::uint64_t SHARE_OF_MEMORY = 16;
+
+/// Short searches stay in a part of the table: new pages take longer than they do. What that part
+/// holds is lost when the whole is taken into use.
+constexpr std::uint64_t FIRST_BYTES = std::uint64_t{1} << 25;
+constexpr std::uint64_t MANY_POSITIONS = std::uint64_t{1} << 22;
 
 constexpr std::uint64_t ODD_A = 0x9E3779B97F4A7C15, ODD_B = 0xD6E8FEB86659FD93;
 
@@ -105,12 +108,17 @@ TProofTable::TProofTable()
     std::uint64_t nBytes = MAX_BYTES;
     if (const std::uint64_t nMemory = GetTotalPhysicalMemory())
         nBytes = std::min(nBytes, std::bit_floor(nMemory / SHARE_OF_MEMORY));
-    const std::size_t nEntries =
-        std::max<std::size_t>(nBytes / sizeof(TEntry), CLUSTER * m_aVisitors.size());
-    m_nMask = nEntries / CLUSTER - 1;
-    m_pEntries.reset(static_cast<TEntry*>(std::aligned_alloc(1<<21, nEntries*sizeof(TEntry)))); madvise(m_pEntries.get(),nEntries*sizeof(TEntry),MADV_HUGEPAGE);
-    if (!m_pEntries)
-        throw std::bad_alloc();
+    nBytes = std::max(nBytes, FIRST_BYTES);
+    m_nClusters = static_cast<std::size_t>(nBytes / (CLUSTER * sizeof(TEntry)));
+    m_nMask = static_cast<std::size_t>(FIRST_BYTES / (CLUSTER * sizeof(TEntry)) - 1);
+    m_pPages = AllocateZeroPages(static_cast<std::size_t>(nBytes));
+    m_pEntries = static_cast<TEntry*>(m_pPages.get());
+}
+
+void TProofTable::NotePositions(std::uint64_t nPositions)
+{
+    if (m_nPositions.fetch_add(nPositions, std::memory_order_relaxed) > MANY_POSITIONS)
+        m_nMask.store(m_nClusters - 1, std::memory_order_relaxed);
 }
 
 std::uint64_t TProofTable::KeyOf(const TChessboard& board)

@@ -2,12 +2,12 @@
 #define CORVINA_SEARCH_PROOFTABLE_H
 
 #include "chess/chessboard.h"
+#include "platform/memory.h"
 
 #include <array>
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <memory>
 
 namespace corvina
@@ -36,7 +36,7 @@ class TProofTable
 {
 public:
     /// The most that a table takes: so many bytes and no more than a share of the machine's memory.
-    /// Pages that nothing was written to cost nothing. Throws std::bad_alloc.
+    /// Throws std::bad_alloc.
     TProofTable();
 
     /// The position with its side to move, its rights to castle and a capture en passant.
@@ -67,6 +67,10 @@ public:
     /// Index of the move that mates within nPlies half-moves; -1: unknown.
     int FindMatingMove(std::uint64_t nKey, int nPlies) const;
 
+    /// So many positions more have been searched: the table grows to its full size with their
+    /// number.
+    void NotePositions(std::uint64_t nPositions);
+
     /// Threads that are below a position with so many half-moves left now.
     std::atomic<std::uint8_t>& Visitors(std::uint64_t nKey, int nPlies)
     {
@@ -84,16 +88,11 @@ private:
     };
     static constexpr std::size_t CLUSTER = 4; ///< entries on one cache line
 
-    struct TFree
-    {
-        void operator()(void* p) const { std::free(p); }
-    };
-
     struct TBounds;
 
     TEntry* ClusterOf(std::uint64_t nKey) const
     {
-        return m_pEntries.get() + (nKey & m_nMask) * CLUSTER;
+        return m_pEntries + (nKey & m_nMask.load(std::memory_order_relaxed)) * CLUSTER;
     }
     static bool Get(const TEntry& entry, std::uint64_t nKey, std::uint64_t* pnData);
     static void Put(TEntry& entry, std::uint64_t nKey, std::uint64_t nData);
@@ -101,8 +100,11 @@ private:
     /// In the place of the entry with this key, or of the one with the least worth.
     void PutInCluster(std::uint64_t nKey, std::uint64_t nData);
 
-    std::size_t m_nMask; ///< clusters less one
-    std::unique_ptr<TEntry[], TFree> m_pEntries;
+    std::size_t m_nClusters;
+    std::atomic<std::size_t> m_nMask; ///< clusters in use less one
+    std::atomic<std::uint64_t> m_nPositions{0};
+    std::unique_ptr<void, TFreePages> m_pPages;
+    TEntry* m_pEntries; ///< on the pages
     std::array<std::atomic<std::uint8_t>, 65536> m_aVisitors{};
 };
 

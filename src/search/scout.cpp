@@ -1,14 +1,12 @@
 #include "search/scout.h"
 
 #include <new>
+#include <utility>
 
 namespace corvina
 {
 namespace
 {
-
-/// Positions of the passes between two looks at the clock.
-constexpr std::uint64_t POSITIONS_BETWEEN = 2000;
 
 /// The scout sets out when the passes have had so long; the easy tasks are solved by then.
 constexpr auto HEAD_START = std::chrono::milliseconds(20);
@@ -18,8 +16,6 @@ constexpr int SHARE = 3;
 
 /// Positions of a slice.
 constexpr std::uint64_t SLICE = 100'000;
-
-constexpr std::uint64_t NEVER = std::numeric_limits<std::uint64_t>::max();
 
 } // namespace
 
@@ -43,45 +39,42 @@ TScout::TScout(const TChessboard& root, TScouting& scouting, TThreadContext& con
       m_tReturned(TClock::now())
 {
     m_context.m_pScout = this;
-    m_context.m_nScoutDue = POSITIONS_BETWEEN;
 }
 
 TScout::~TScout()
 {
     m_context.m_pScout = nullptr;
-    m_context.m_nScoutDue = NEVER;
 }
 
 void TScout::Work()
 {
-    m_context.m_nScoutDue = m_context.m_nPositions + POSITIONS_BETWEEN;
-    const TClock::time_point tStart = TClock::now();
-    m_passTime += tStart - m_tReturned;
-    m_tReturned = tStart;
-    if (m_passTime < HEAD_START || m_scoutTime > SHARE * m_passTime)
-        return;
-    SearchSlice();
-    m_tReturned = TClock::now();
-    m_scoutTime += m_tReturned - tStart;
+    TClock::time_point tNow = TClock::now();
+    m_passTime += tNow - m_tReturned;
+    while (m_passTime > HEAD_START && m_scoutTime < SHARE * m_passTime && SearchSlice()) {
+        m_scoutTime += TClock::now() - tNow;
+        tNow = TClock::now();
+    }
+    m_tReturned = tNow;
 }
 
-void TScout::SearchSlice()
+bool TScout::SearchSlice()
 {
     if (!m_search) {
         if (TProofTable* pTable = m_scouting.Table())
             m_search.emplace(m_root, *pTable, m_context.m_nThreadId);
     }
-    if (!m_search || m_scouting.m_bEnded) {
-        m_context.m_nScoutDue = NEVER;
-        return;
+    if (!m_search || m_scouting.m_bEnded || m_root.m_pRequest->IsStopped(m_context.m_nThreadId)) {
+        m_context.m_pScout = nullptr;
+        return false;
     }
     const TProofSearch::EAnswer answer = m_search->Search(SLICE);
     if (answer == TProofSearch::EAnswer::Open || m_scouting.m_bEnded.exchange(true))
-        return;
-    if (answer != TProofSearch::EAnswer::Mate)
-        return;
-    if (const auto key = m_search->Confirm())
-        OnProved(*key);
+        return true;
+    if (answer == TProofSearch::EAnswer::Mate) {
+        if (const auto key = m_search->Confirm())
+            OnProved(*key);
+    }
+    return false;
 }
 
 } // namespace corvina

@@ -54,7 +54,8 @@ public:
 private:
     using TClock = std::chrono::steady_clock;
 
-    void SearchSlice();
+    /// False: the scout's work is done.
+    bool SearchSlice();
 
     const TChessboard& m_root;
     TScouting& m_scouting;

@@ -90,8 +90,8 @@ struct TSolveRequest : TProblem, TStopBlock, TRegisterHost
     bool m_bClearRegister = false;  ///< what earlier runs have learnt is forgotten at the start
     bool m_bShareMoves = true;      ///< two threads may analyse one first move
     std::uint64_t m_nPositions = 0; ///< legal moves made in the last run
-    std::uint64_t m_nScoutPositions = 0; ///< those of the scout among them
-    bool m_bFoundByScout = false;        ///< the solution of the last run is the scout's
+    std::uint64_t m_nScoutPositions = 0;      ///< those of the scout among them
+    bool m_bFoundByScout = false;             ///< the solution of the last run is the scout's
     std::array<std::uint64_t, 32> m_anCuts{}; ///< lines cut in the last run, by heuristic
 
     bool m_bRegisterConfirm = false; ///< hits under heuristics count only for the exact setting

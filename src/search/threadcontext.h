@@ -6,7 +6,6 @@
 
 #include <array>
 #include <cstdint>
-#include <limits>
 #include <vector>
 
 namespace corvina
@@ -78,10 +77,7 @@ public:
     /// each of the four.
     bool m_bSkipEqualPromotions = false;
 
-    /// Proof-number search beside the passes: who does it, or null, and the count of positions at
-    /// which it is asked again.
-    TScout* m_pScout = nullptr;
-    std::uint64_t m_nScoutDue = std::numeric_limits<std::uint64_t>::max();
+    TScout* m_pScout = nullptr; ///< of the thread's passes, while it has one
 
     TMove m_firstMove{};           ///< the first move that the thread analyses
     bool m_bSuspendResume = false; ///< the thread has stopped itself and lifts that

@@ -72,6 +72,8 @@ private:
         if (m_nDepth % PROGRESS_PERIOD != PROGRESS_DEPTH ||
             (m_nDepth != PROGRESS_DEPTH && nPlayed < PROGRESS_DEPTH))
             return true;
+        if (m_context.m_pScout)
+            m_context.m_pScout->Work();
         if (m_request.OnPositionAnalysed)
             m_request.OnPositionAnalysed(m_board);
         if (!m_request.m_pFoundSolutions ||
@@ -137,8 +139,6 @@ private:
                 return RESULT_NO_MATE;
             }
             m_context.m_anMoveIndex[m_nDepth] = static_cast<std::uint8_t>(i);
-            if (m_context.m_nPositions >= m_context.m_nScoutDue)
-                m_context.m_pScout->Work();
             const TSearchResult nResult = TryMove(pMoves[i]);
             if (nResult == RESULT_MATE) {
                 m_context.m_aWhiteKillers[m_nDepth] = {pMoves[i],

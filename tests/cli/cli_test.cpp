@@ -235,9 +235,9 @@ TEST(Cli, ChosenHeuristics)
         const TRun run = RunCli("solve" + strTask + strOptions + " --json 2>/dev/null");
         return nlohmann::json::parse(run.m_strOutput)["passes"];
     };
-    EXPECT_TRUE(passesOf("--auto")[0]["heuristics"].get<std::string>().starts_with(strSet));
-    EXPECT_EQ(passesOf("--auto --no-heuristics")[0]["heuristics"], "none");
-    EXPECT_EQ(RunCli("solve" + strTask + "--auto --heuristics none").m_nExitCode, 2);
+    EXPECT_TRUE(passesOf("")[0]["heuristics"].get<std::string>().starts_with(strSet));
+    EXPECT_EQ(passesOf("--no-heuristics")[0]["heuristics"], "none");
+    EXPECT_EQ(RunCli("solve" + strTask + "--no-heuristics --heuristics none").m_nExitCode, 2);
 }
 
 TEST(Cli, ProblemFiles)
