@@ -301,7 +301,7 @@ bool TProofSearch::ConfirmBlack(TChessboard& board)
             continue;
         ++m_context.m_nPositions;
         bHasReply = true;
-        if (!ConfirmWhite(child))
+        if (IsOver() || !ConfirmWhite(child))
             return false;
     }
     return bHasReply || board.m_blackChecker != NO_CHECK;
