@@ -7,6 +7,7 @@
 #include "search/provedpositions.h"
 #include "search/registeraccess.h"
 #include "search/rootsetup.h"
+#include "search/shortmate.h"
 
 #include <algorithm>
 #include <optional>
@@ -160,10 +161,15 @@ private:
         bool bHasReply = false;
         const bool bAll =
             HoldsForEachReply(board, &bHasReply, [&](TChessboard& child, const TMove&) {
-                return child.m_nMoves <= 3 ? IsMateWithoutHeuristics(child)
-                                           : IsMateByRegister(child);
+                return IsShortMate(child) || (child.m_nMoves > 3 && IsMateByRegister(child));
             });
         return bAll && (bHasReply || board.m_blackChecker != NO_CHECK);
+    }
+
+    /// Mates that are found sooner than looked up, and don't go to the register.
+    static bool IsShortMate(TChessboard& board)
+    {
+        return IsMateInOne(board) || (board.m_nMoves >= 3 && IsMateInTwo(board));
     }
 
     bool IsMateByRegister(TChessboard& board)
