@@ -7,6 +7,7 @@
 namespace corvina
 {
 
+/// Gives the pages of AllocateZeroPages back.
 struct TFreePages
 {
     std::size_t m_nBytes = 0;

@@ -157,7 +157,9 @@ TProofSearch::TChoice TProofSearch::Choose(const std::vector<TChild>& vecChildre
         std::uint32_t nRank = nOwn;
         if (nOwn < INFINITE) {
             const auto& nVisitors = m_table.Visitors(vecChildren[i].m_nKey, nPlies - 1);
-            nRank = std::min(INFINITE - 1, nOwn * (1 + nVisitors.load(std::memory_order_relaxed)));
+            const std::uint64_t nWeight = 1 + nVisitors.load(std::memory_order_relaxed);
+            nRank =
+                static_cast<std::uint32_t>(std::min<std::uint64_t>(INFINITE - 1, nOwn * nWeight));
         }
         if (nRank < nBestRank) {
             nBestRank = nRank;
@@ -268,8 +270,10 @@ int TProofSearch::MatingMove(TChessboard& board)
 
 bool TProofSearch::ConfirmWhite(TChessboard& board)
 {
-    if (board.m_nMoves <= EXACT_PLIES || IsMateInOne(board))
-        return IsExactMate(board);
+    if (IsExactMate(board))
+        return true;
+    if (board.m_nMoves <= EXACT_PLIES)
+        return false;
     if (m_proved.Has(board))
         return true;
     const int nIndex = MatingMove(board);
