@@ -59,6 +59,18 @@ void TScout::Work()
 
 bool TScout::SearchSlice()
 {
+    try {
+        return TrySlice();
+    }
+    catch (const std::bad_alloc&) {
+        // The passes need less memory, and go on alone.
+        m_scouting.m_bEnded = true;
+        return true;
+    }
+}
+
+bool TScout::TrySlice()
+{
     if (!m_search) {
         if (TProofTable* pTable = m_scouting.Table())
             m_search.emplace(m_root, *pTable, m_context.m_nThreadId);

@@ -54,8 +54,9 @@ public:
 private:
     using TClock = std::chrono::steady_clock;
 
-    /// False: the scout's work is done.
+    /// False: the scout's work is done. When memory is short, the next call says so.
     bool SearchSlice();
+    bool TrySlice();
 
     const TChessboard& m_root;
     TScouting& m_scouting;
