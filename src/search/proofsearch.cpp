@@ -1,9 +1,7 @@
 #include "search/proofsearch.h"
 
-#include "search/line.h"
-#include "search/registeraccess.h"
+#include "search/proofwalk.h"
 #include "search/rootsetup.h"
-#include "search/shortmate.h"
 
 #include <algorithm>
 #include <limits>
@@ -15,9 +13,6 @@ namespace
 
 constexpr std::uint32_t INFINITE = TProofNumbers::INFINITE;
 
-/// Mates with so many half-moves left are found without a search of their own.
-constexpr int EXACT_PLIES = 3;
-
 /// Number of the kind that decides for the side to move by its least child.
 std::uint32_t& Own(TProofNumbers& numbers, bool bWhite)
 {
@@ -27,12 +22,6 @@ std::uint32_t& Own(TProofNumbers& numbers, bool bWhite)
 std::uint32_t& Other(TProofNumbers& numbers, bool bWhite)
 {
     return bWhite ? numbers.m_nDisproof : numbers.m_nProof;
-}
-
-/// A mate that needs no search; near the leaves all that there are.
-bool IsExactMate(TChessboard& board)
-{
-    return board.m_nMoves == EXACT_PLIES ? IsMateInTwo(board, false) : IsMateInOne(board);
 }
 
 /// A visit of a thread, which keeps the others away while there is something as good.
@@ -256,70 +245,24 @@ TProofSearch::EAnswer TProofSearch::Search(std::uint64_t nPositions)
     return EAnswer::Open;
 }
 
-/// Index of White's move that the table knows to mate, -1: none. What it has lost is searched
-/// again.
+/// For the walk over the proof. What the table has lost is searched again.
 int TProofSearch::MatingMove(TChessboard& board)
 {
     const std::uint64_t nKey = TProofTable::KeyOf(board);
-    const int nIndex = m_table.FindMatingMove(nKey, board.m_nMoves);
-    if (nIndex >= 0)
-        return nIndex;
-    SearchNode(board, nKey, {INFINITE - 1, INFINITE - 1});
-    return m_table.FindMatingMove(nKey, board.m_nMoves);
-}
-
-bool TProofSearch::ConfirmWhite(TChessboard& board)
-{
-    if (IsExactMate(board))
-        return true;
-    if (board.m_nMoves <= EXACT_PLIES)
-        return false;
-    if (m_proved.Has(board))
-        return true;
-    const int nIndex = MatingMove(board);
-    if (nIndex != TProofTable::NO_MOVE ? !ConfirmMove(board, nIndex) : !IsMateInTwo(board, false))
-        return false;
-    m_proved.Add(board);
-    if (m_bRegister && IsRegisterable(board))
-        StoreCertain(board, board.m_nMoves, true);
-    return true;
-}
-
-bool TProofSearch::ConfirmMove(TChessboard& board, int nIndex)
-{
-    TMoveList moves;
-    if (nIndex < 0 || nIndex >= board.GenerateWhiteMoves(moves.data()))
-        return false;
-    TChessboard& child = m_context.MakeChild(board);
-    return Make(child, moves[nIndex]) && ConfirmBlack(child);
-}
-
-bool TProofSearch::ConfirmBlack(TChessboard& board)
-{
-    TMoveList moves;
-    const int nMoves = board.GenerateBlackMoves(moves.data());
-    bool bHasReply = false;
-    for (int i = 0; i < nMoves; ++i) {
-        TChessboard& child = m_context.MakeChild(board);
-        if (!Make(child, moves[i]))
-            continue;
-        ++m_context.m_nPositions;
-        bHasReply = true;
-        if (IsOver() || !ConfirmWhite(child))
-            return false;
+    int nIndex = m_table.FindMatingMove(nKey, board.m_nMoves);
+    if (nIndex < 0) {
+        SearchNode(board, nKey, {INFINITE - 1, INFINITE - 1});
+        nIndex = m_table.FindMatingMove(nKey, board.m_nMoves);
     }
-    return bHasReply || board.m_blackChecker != NO_CHECK;
+    return nIndex == TProofTable::NO_MOVE ? TProofWalk::SHORT_MATE : nIndex;
 }
 
 std::optional<TMove> TProofSearch::Confirm()
 {
     m_nEnd = std::numeric_limits<std::uint64_t>::max();
-    const int nIndex = MatingMove(m_board);
-    if (!ConfirmMove(m_board, nIndex))
-        return std::nullopt;
-    TMoveList moves;
-    m_board.GenerateWhiteMoves(moves.data());
-    return moves[nIndex];
+    return TProofWalk(m_request, m_context, m_bRegister,
+                      [this](TChessboard& board) { return MatingMove(board); })
+        .Walk(m_board);
 }
 
 } // namespace corvina

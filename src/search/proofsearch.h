@@ -2,7 +2,6 @@
 #define CORVINA_SEARCH_PROOFSEARCH_H
 
 #include "search/prooftable.h"
-#include "search/provedpositions.h"
 #include "search/solverequest.h"
 
 #include <cstdint>
@@ -77,9 +76,6 @@ private:
     /// Searches below the position until a number reaches its limit, or the time is over.
     void SearchNode(TChessboard& board, std::uint64_t nKey, TProofNumbers limits);
 
-    bool ConfirmWhite(TChessboard& board);
-    bool ConfirmMove(TChessboard& board, int nIndex);
-    bool ConfirmBlack(TChessboard& board);
     int MatingMove(TChessboard& board);
 
     TSolveRequest& m_request;
@@ -88,7 +84,6 @@ private:
     TChessboard m_board;
     bool m_bRegister; ///< the run has one for this task
     std::uint64_t m_nRootKey;
-    TProvedPositions m_proved;
     std::uint64_t m_nEnd = 0;                       ///< of m_context.m_nPositions
     std::vector<std::vector<TChild>> m_vecChildren; ///< by half-moves left
 };

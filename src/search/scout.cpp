@@ -14,6 +14,12 @@ constexpr auto HEAD_START = std::chrono::milliseconds(20);
 /// Time of the scout for each unit of the passes.
 constexpr int SHARE = 3;
 
+/// Tasks of fewer moves have no tours to speak of.
+constexpr int MIN_TOUR_PLIES = 2 * 16 - 1;
+
+/// Time of the search for tours for each unit of the scout's other work.
+constexpr int TOUR_SHARE = 1;
+
 /// Positions of a slice.
 constexpr std::uint64_t SLICE = 100'000;
 
@@ -79,14 +85,63 @@ bool TScout::TrySlice()
         m_context.m_pScout = nullptr;
         return false;
     }
-    const TProofSearch::EAnswer answer = m_search->Search(SLICE);
-    if (answer == TProofSearch::EAnswer::Open || m_scouting.m_bEnded.exchange(true))
-        return true;
-    if (answer == TProofSearch::EAnswer::Mate) {
-        if (const auto key = m_search->Confirm())
-            OnProved(*key);
+    if (IsTourDue()) {
+        const TClock::time_point tStart = TClock::now();
+        TryTours();
+        m_tourTime += TClock::now() - tStart;
+        return !m_scouting.m_bEnded;
     }
+    const TProofSearch::EAnswer answer = m_search->Search(SLICE);
+    if (answer == TProofSearch::EAnswer::Open)
+        return true;
+    if (answer == TProofSearch::EAnswer::Mate)
+        ClaimProof([this] { return m_search->Confirm(); });
+    else
+        m_scouting.m_bEnded = true;
     return false;
+}
+
+/// The others leave off; the first claim is the one that counts.
+void TScout::ClaimProof(const std::function<std::optional<TMove>()>& confirm)
+{
+    if (m_scouting.m_bEnded.exchange(true))
+        return;
+    if (const auto key = confirm())
+        OnProved(*key);
+}
+
+bool TScout::IsTourDue() const
+{
+    if (m_tourTime > TOUR_SHARE * (m_scoutTime - m_tourTime))
+        return false;
+    return m_tours || (m_root.m_nMoves >= MIN_TOUR_PLIES && !m_scouting.m_bToursTaken &&
+                       TTourSearch::CanSearch(m_root));
+}
+
+/// Without memory for the tours the other search goes on.
+void TScout::TryTours()
+{
+    try {
+        SearchTours();
+    }
+    catch (const std::bad_alloc&) {
+        m_tours.reset();
+    }
+}
+
+void TScout::SearchTours()
+{
+    if (!m_tours) {
+        if (m_scouting.m_bToursTaken.exchange(true))
+            return;
+        m_tours.emplace(m_root, m_context.m_nThreadId);
+    }
+    const TTourSearch::EAnswer answer = m_tours->Search(SLICE);
+    if (answer == TTourSearch::EAnswer::Mate)
+        ClaimProof([this] { return m_tours->Confirm(); });
+    m_nTourPositions = m_tours->Positions();
+    if (answer != TTourSearch::EAnswer::Open)
+        m_tours.reset();
 }
 
 } // namespace corvina

@@ -2,6 +2,7 @@
 #define CORVINA_SEARCH_SCOUT_H
 
 #include "search/proofsearch.h"
+#include "search/toursearch.h"
 
 #include <atomic>
 #include <chrono>
@@ -30,11 +31,13 @@ private:
     const bool m_bWanted;
     std::mutex m_csTable; ///< guards the making of the table
     std::unique_ptr<TProofTable> m_pTable;
-    std::atomic<bool> m_bEnded{false}; ///< a scout has an answer: the others leave off
+    std::atomic<bool> m_bToursTaken{false}; ///< one of the scouts looks for tours, besides
+    std::atomic<bool> m_bEnded{false};      ///< a scout has an answer: the others leave off
 };
 
-/// Proof-number search of a root thread for a first solution, slice by slice within the thread's
-/// passes: long mates are found by it, and what it can't find, the passes do.
+/// Search of a root thread for a first solution by other means, slice by slice within the thread's
+/// passes: proof numbers and, for the longest tasks, tours. Long mates are found by them, and what
+/// they can't find, the passes do.
 class TScout
 {
 public:
@@ -49,7 +52,10 @@ public:
     /// Takes its share of the time that the thread's passes have used since the last call.
     void Work();
 
-    std::uint64_t Positions() const { return m_search ? m_search->Positions() : 0; }
+    std::uint64_t Positions() const
+    {
+        return (m_search ? m_search->Positions() : 0) + m_nTourPositions;
+    }
 
 private:
     using TClock = std::chrono::steady_clock;
@@ -57,14 +63,20 @@ private:
     /// False: the scout's work is done. When memory is short, the next call says so.
     bool SearchSlice();
     bool TrySlice();
+    bool IsTourDue() const;
+    void TryTours();
+    void SearchTours();
+    void ClaimProof(const std::function<std::optional<TMove>()>& confirm);
 
     const TChessboard& m_root;
     TScouting& m_scouting;
     TThreadContext& m_context; ///< of the thread's passes
     const std::function<void(const TMove& key)> OnProved;
     std::optional<TProofSearch> m_search; ///< none before the first slice
-    TClock::time_point m_tReturned;       ///< to the passes
-    TClock::duration m_passTime{}, m_scoutTime{};
+    std::optional<TTourSearch> m_tours;   ///< of the scout that looks for them
+    std::uint64_t m_nTourPositions = 0;
+    TClock::time_point m_tReturned; ///< to the passes
+    TClock::duration m_passTime{}, m_scoutTime{}, m_tourTime{};
 };
 
 } // namespace corvina

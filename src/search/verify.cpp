@@ -50,10 +50,10 @@ private:
 
 /// The walk over the proof of one key. Its records are of its own, since the engine uses the stack
 /// of the thread below the position that it is asked about.
-class TProofWalk
+class TKeyWalk
 {
 public:
-    explicit TProofWalk(TSolveRequest& request)
+    explicit TKeyWalk(TSolveRequest& request)
         : m_request(request), m_root(*request.m_pChessboard), m_context(m_root.m_nMoves)
     {
         m_root.m_pRequest = &request;
@@ -221,7 +221,7 @@ private:
 
 TVerification VerifyKey(TSolveRequest& request, TMove key)
 {
-    return TProofWalk(request).Verify(key);
+    return TKeyWalk(request).Verify(key);
 }
 
 } // namespace corvina

@@ -177,7 +177,12 @@ bool HasDataFolder()
     return std::getenv("CORVINA_DATA") != nullptr;
 }
 
-std::vector<TAnsweredTask> ReadAnsweredTasks(const std::string& strFile)
+namespace
+{
+
+using TRow = std::map<std::string, std::string>;
+
+std::vector<TRow> ReadRows(const std::string& strFile)
 {
     const std::string strPath = std::string(std::getenv("CORVINA_DATA")) + "/" + strFile;
     std::ifstream input(strPath);
@@ -186,12 +191,23 @@ std::vector<TAnsweredTask> ReadAnsweredTasks(const std::string& strFile)
     std::string strLine;
     std::getline(input, strLine);
     const std::vector<std::string> vecNames = Split(strLine, '\t');
-    std::vector<TAnsweredTask> vecTasks;
+    std::vector<TRow> vecRows;
     while (std::getline(input, strLine)) {
-        std::map<std::string, std::string> row;
+        TRow row;
         const std::vector<std::string> vecColumns = Split(strLine, '\t');
         for (std::size_t i = 0; i < vecColumns.size(); ++i)
             row[vecNames[i]] = vecColumns[i];
+        vecRows.push_back(row);
+    }
+    return vecRows;
+}
+
+} // namespace
+
+std::vector<TAnsweredTask> ReadAnsweredTasks(const std::string& strFile)
+{
+    std::vector<TAnsweredTask> vecTasks;
+    for (TRow& row : ReadRows(strFile)) {
         TAnsweredTask task{row["fen"], std::stoi(row["n"]), {}};
         for (const std::string& strKey : Split(row["keys"], ','))
             task.m_vecKeys.push_back(OwnNotation(strKey));
@@ -201,6 +217,16 @@ std::vector<TAnsweredTask> ReadAnsweredTasks(const std::string& strFile)
             continue;
         std::sort(task.m_vecKeys.begin(), task.m_vecKeys.end());
         vecTasks.push_back(task);
+    }
+    return vecTasks;
+}
+
+std::vector<TAnsweredTask> ReadLongTasks(const std::string& strFile, int nMinMoves)
+{
+    std::vector<TAnsweredTask> vecTasks;
+    for (TRow& row : ReadRows(strFile)) {
+        if (const int nMate = std::stoi(row["n"]); nMate >= nMinMoves)
+            vecTasks.push_back({row["fen"], nMate, {}});
     }
     return vecTasks;
 }

@@ -26,6 +26,9 @@ bool HasDataFolder();
 /// Throws std::runtime_error for a file that can't be read.
 std::vector<TAnsweredTask> ReadAnsweredTasks(const std::string& strFile);
 
+/// The rows of such a file with at least so many moves, with or without keys, which are left out.
+std::vector<TAnsweredTask> ReadLongTasks(const std::string& strFile, int nMinMoves);
+
 /// A random position with White to move and Black not in check: nFigures men in all, pawns and
 /// castling figures often where they matter. Every system makes the same one of a seed.
 TChessboard RandomPosition(std::mt19937& random, int nFigures);

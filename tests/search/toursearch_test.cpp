@@ -1,0 +1,223 @@
+#include "chess/fen.h"
+#include "search/solve.h"
+#include "search/toursearch.h"
+#include "search/verify.h"
+#include "support/data.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <random>
+
+namespace corvina
+{
+namespace
+{
+
+constexpr std::uint64_t ENOUGH = 20'000'000;
+
+bool GoesOn()
+{
+    return false;
+}
+
+/// Moves of random nodes, kept to be looked through by plain repetition.
+struct TPlainGraph
+{
+    struct TMoveOfNode
+    {
+        std::uint32_t m_nNode;
+        std::vector<std::uint32_t> m_vecReplies;
+    };
+
+    explicit TPlainGraph(std::size_t nNodes) : m_anMate(nNodes, 0) {}
+
+    void Solve()
+    {
+        for (int nMate = 2; nMate <= static_cast<int>(m_anMate.size()) + 1; ++nMate) {
+            for (const TMoveOfNode& move : m_vecMoves) {
+                const bool bMates = std::all_of(
+                    move.m_vecReplies.begin(), move.m_vecReplies.end(), [&](std::uint32_t nReply) {
+                        return m_anMate[nReply] != 0 && m_anMate[nReply] < nMate;
+                    });
+                if (bMates && m_anMate[move.m_nNode] == 0)
+                    m_anMate[move.m_nNode] = nMate;
+            }
+        }
+    }
+
+    std::vector<TMoveOfNode> m_vecMoves;
+    std::vector<int> m_anMate;
+};
+
+TEST(TourGraph, FindsTheShortestMates)
+{
+    std::mt19937 random(51);
+    int nLongest = 0;
+    for (int nRound = 0; nRound < 300; ++nRound) {
+        const unsigned nNodes = 2 + random() % 60;
+        TTourGraph graph(nNodes);
+        TPlainGraph plain(nNodes);
+        // Keys that share their low bits stand in each other's places.
+        for (unsigned i = 0; i < nNodes; ++i)
+            ASSERT_EQ(graph.Add((std::uint64_t{i} << 40) + i % 7, 3), i);
+        for (unsigned i = 0; i < 3 * nNodes; ++i) {
+            TPlainGraph::TMoveOfNode move{static_cast<std::uint32_t>(random() % nNodes), {}};
+            const unsigned nReplies = 1 + random() % 3;
+            for (unsigned k = 0; k < nReplies; ++k) {
+                const auto nReply = static_cast<std::uint32_t>(random() % nNodes);
+                if (std::find(move.m_vecReplies.begin(), move.m_vecReplies.end(), nReply) ==
+                    move.m_vecReplies.end())
+                    move.m_vecReplies.push_back(nReply);
+            }
+            graph.AddMove(move.m_nNode, static_cast<std::uint8_t>(i % 200), move.m_vecReplies);
+            plain.m_vecMoves.push_back(move);
+            if (i % nNodes == 0) {
+                const auto nMated = static_cast<std::uint32_t>(random() % nNodes);
+                graph.AddMateInOne(nMated);
+                plain.m_anMate[nMated] = 1;
+            }
+            if (i == nNodes) {
+                ASSERT_TRUE(graph.Solve(GoesOn)); // what it leaves behind must not count
+            }
+        }
+        ASSERT_TRUE(graph.Solve(GoesOn));
+        plain.Solve();
+        for (unsigned i = 0; i < nNodes; ++i) {
+            ASSERT_EQ(graph.MateOf(i), plain.m_anMate[i]) << nRound << ": " << i;
+            nLongest = std::max(nLongest, plain.m_anMate[i]);
+            ASSERT_EQ(graph.Find((std::uint64_t{i} << 40) + i % 7), i);
+        }
+        EXPECT_EQ(graph.Find(0x123456), TTourGraph::NO_NODE);
+    }
+    EXPECT_GT(nLongest, 6);
+}
+
+/// A root for searches of their own.
+struct TTourTask
+{
+    TTourTask(const TChessboard& board, int nMate)
+    {
+        *m_request.m_pChessboard = board;
+        m_request.SetMateIn(nMate);
+        m_root = *m_request.m_pChessboard;
+        m_root.m_pRequest = &m_request;
+        m_root.CheckStartPosition(static_cast<std::uint16_t>(2 * nMate - 1), true);
+    }
+
+    TSolveRequest m_request;
+    TChessboard m_root;
+};
+
+std::vector<TMove> SolutionsOf(const TChessboard& board, int nMate)
+{
+    TSolveRequest request;
+    *request.m_pChessboard = board;
+    request.SetMateIn(nMate);
+    return Solve(request, TRunSettings()).m_vecSolutions;
+}
+
+/// What the graphs claim is among the solutions of the main search. Against a bare king they leave
+/// nothing out, so that they find each mate, and none where there is none.
+void CompareWithMainSearch(const TChessboard& board, int nMate, bool bComplete, int* pnMates)
+{
+    TTourTask task(board, nMate);
+    ASSERT_TRUE(TTourSearch::CanSearch(task.m_root));
+    TTourSearch tours(task.m_root, 0);
+    const auto answer = tours.Search(bComplete ? ENOUGH : ENOUGH / 50);
+    const std::string strTask = WriteFen(board, true) + " #" + std::to_string(nMate);
+    const auto vecSolutions = SolutionsOf(board, nMate);
+    if (bComplete) {
+        EXPECT_EQ(answer,
+                  vecSolutions.empty() ? TTourSearch::EAnswer::GivenUp : TTourSearch::EAnswer::Mate)
+            << strTask;
+    }
+    if (answer != TTourSearch::EAnswer::Mate)
+        return;
+    ++*pnMates;
+    const auto key = tours.Confirm();
+    ASSERT_TRUE(key.has_value()) << strTask;
+    EXPECT_TRUE(std::any_of(vecSolutions.begin(), vecSolutions.end(), [&](const TMove& solution) {
+        return IsSameMove(*key, solution);
+    })) << strTask;
+}
+
+bool HasMateInOne(const TChessboard& board)
+{
+    return !SolutionsOf(board, 1).empty();
+}
+
+TEST(TourSearch, AgreesWithTheMainSearch)
+{
+    std::mt19937 random(52);
+    int nMates = 0, nTasks = 0;
+    while (nTasks < 150) {
+        const TChessboard board = ComposedPosition(random);
+        if (board.GetCastlingRights(true) || board.GetCastlingRights(false) || HasMateInOne(board))
+            continue;
+        CompareWithMainSearch(board, 3, false, &nMates);
+        ++nTasks;
+    }
+    EXPECT_GT(nMates, 10);
+    nMates = 0;
+    int nBare = 0;
+    for (const char* pFen :
+         {"8/8/8/8/8/3K4/4Q3/k7", "8/8/8/8/8/5K2/6R1/7k", "8/8/8/8/2Q5/8/1K6/6k1",
+          "8/8/8/8/8/3K4/R7/4k3", "8/2P5/8/8/8/2K5/8/1k6", "7k/8/5K2/8/8/8/8/R7",
+          "8/8/8/8/5R2/8/3K4/k7"})
+    {
+        TChessboard board;
+        ASSERT_TRUE(ReadFen(board, pFen));
+        for (int nMate = 3; nMate <= 4; ++nMate)
+            CompareWithMainSearch(board, nMate, true, &nMates), ++nBare;
+    }
+    EXPECT_GT(nMates, 3);
+    EXPECT_LT(nMates, nBare);
+}
+
+/// No mate with a rook takes more than 16 moves.
+TEST(TourSearch, StopsAndGoesOn)
+{
+    TChessboard board;
+    ASSERT_TRUE(ReadFen(board, "8/8/8/8/8/2k5/R7/K7"));
+    TTourTask task(board, 16);
+    TTourSearch tours(task.m_root, 3);
+    EXPECT_EQ(tours.Search(5'000), TTourSearch::EAnswer::Open);
+    ASSERT_TRUE(task.m_request.StopThread(3));
+    const std::uint64_t nPositions = tours.Positions();
+    EXPECT_EQ(tours.Search(ENOUGH), TTourSearch::EAnswer::Open);
+    EXPECT_EQ(tours.Positions(), nPositions);
+    task.m_request.ResumeThread(3);
+    EXPECT_EQ(tours.Search(ENOUGH), TTourSearch::EAnswer::Mate);
+    EXPECT_TRUE(tours.Confirm().has_value());
+
+    // Rights to castle aren't in the graphs.
+    ASSERT_TRUE(ReadFen(board, "4k3/8/8/8/8/8/8/R3K3"));
+    EXPECT_FALSE(TTourSearch::CanSearch(TTourTask(board, 16).m_root));
+}
+
+/// Mates of 40 and more moves that nothing else finds in this time.
+TEST(TourSearch, FindsMatesOfTheDataFolder)
+{
+    if (!HasDataFolder())
+        GTEST_SKIP() << "CORVINA_DATA is not set";
+    int nMates = 0, nTasks = 0;
+    for (const TAnsweredTask& row : ReadLongTasks("mates-dev.tsv", 40)) {
+        TChessboard board;
+        ASSERT_TRUE(ReadFen(board, row.m_strFen));
+        TTourTask task(board, row.m_nMate);
+        if (!TTourSearch::CanSearch(task.m_root))
+            continue;
+        ++nTasks;
+        TTourSearch tours(task.m_root, 0);
+        if (tours.Search(2'000'000) == TTourSearch::EAnswer::Mate) {
+            ++nMates;
+            EXPECT_TRUE(tours.Confirm().has_value()) << row.m_strFen;
+        }
+    }
+    EXPECT_GE(nTasks, 10);
+    EXPECT_GE(nMates, 2);
+}
+
+} // namespace
+} // namespace corvina
