@@ -55,6 +55,12 @@ void PrintPass(const TPassReport& report)
                  report.m_strSet.c_str(), report.m_nDecided, report.m_dSeconds);
 }
 
+void PrintAnalysisShare(double dAnalysis, double dRun)
+{
+    std::fprintf(stderr, "Analysis: %.3f s, %.1f %% of the run\n", dAnalysis,
+                 dRun > 0 ? 100 * dAnalysis / dRun : 0.0);
+}
+
 } // namespace
 
 void AddSolveOptions(CLI::App& command, TSolveOptions& options)
@@ -115,6 +121,8 @@ TSolveOutcome SolveWithOptions(TSolveRequest& request, const TSolveOptions& opti
 
     const auto pWatchdog = StopAfter(request, options.m_dSeconds);
     const TSolveOutcome outcome = Solve(request, settings);
+    if (request.m_analysisSeconds)
+        PrintAnalysisShare(*request.m_analysisSeconds, outcome.m_elapsed.count());
     if (request.m_bFoundByScout)
         std::fprintf(stderr, "Scout: 1.%s proved, %llu positions\n",
                      PrintMove(outcome.m_vecSolutions[0], *request.m_pChessboard).c_str(),
@@ -237,6 +245,8 @@ void AddResultTo(nlohmann::ordered_json& line, const TSolveRequest& request,
                                     {"stopped", key.m_verification.m_bStopped},
                                     {"positions", key.m_verification.m_nPositions},
                                     {"refutation", key.m_vecRefutation}});
+    if (request.m_analysisSeconds)
+        line["analysisSeconds"] = *request.m_analysisSeconds;
     auto& passes = line["passes"] = nlohmann::ordered_json::array();
     for (const TPassReport& report : vecPasses)
         passes.push_back({{"pass", report.m_strName},

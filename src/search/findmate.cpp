@@ -314,9 +314,13 @@ std::vector<TMove> FirstMoves(TChessboard& root)
 /// The run begins with the set that an analysis of its root chooses.
 void ChooseHeuristics(TChessboard& root)
 {
-    if (root.m_pRequest->m_bAnalyse && !root.m_pRequest->m_bPlain &&
-        root.m_nMoves >= MIN_ANALYSED_PLIES)
-        TakeUpAnalysis(CheckPositionType(root), root);
+    TSolveRequest& request = *root.m_pRequest;
+    request.m_analysisSeconds.reset();
+    if (!request.m_bAnalyse || request.m_bPlain || root.m_nMoves < MIN_ANALYSED_PLIES)
+        return;
+    const TPositionAnalysis analysis = CheckPositionType(root);
+    request.m_analysisSeconds = analysis.m_dSeconds;
+    TakeUpAnalysis(analysis, root);
 }
 
 /// The table of the register, for tasks that use it. What earlier runs have learnt stays.

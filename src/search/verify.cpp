@@ -4,12 +4,14 @@
 #include "search/hooks.h"
 #include "search/nodes.h"
 #include "search/ordering.h"
+#include "search/proofsearch.h"
 #include "search/provedpositions.h"
 #include "search/registeraccess.h"
 #include "search/rootsetup.h"
 #include "search/shortmate.h"
 
 #include <algorithm>
+#include <memory>
 #include <optional>
 
 namespace corvina
@@ -19,6 +21,9 @@ namespace
 
 /// With so many half-moves left, or fewer, the engine is asked without heuristics.
 constexpr int MAX_PLIES_WITHOUT_HEURISTICS = 11;
+
+/// Positions that the proof-number search may look at before the passes are asked.
+constexpr std::uint64_t MAX_PROOF_POSITIONS = 4'000'000;
 
 /// Puts a set on a record and its thread for the life of the object.
 class TSetHold
@@ -186,9 +191,24 @@ private:
         return SearchWhite<NODE_MAIN>(board) == RESULT_MATE;
     }
 
-    /// Far from the leaves the run's passes are gone through, as they were for the first moves.
+    /// By proof numbers. The proof goes to the register.
+    bool IsMateByProofNumbers(const TChessboard& board)
+    {
+        if (!UsesRegister(board) || !IsRegisterable(board))
+            return false;
+        if (!m_pProofTable)
+            m_pProofTable = std::make_unique<TProofTable>();
+        TProofSearch search(board, *m_pProofTable, m_context.m_nThreadId);
+        return search.Search(MAX_PROOF_POSITIONS) == TProofSearch::EAnswer::Mate &&
+               search.Confirm();
+    }
+
+    /// Far from the leaves proof numbers come first, and then the run's passes, as they were for
+    /// the first moves.
     bool IsMateBySearch(TChessboard& board)
     {
+        if (board.m_nMoves > MAX_PLIES_WITHOUT_HEURISTICS && IsMateByProofNumbers(board))
+            return true;
         if (board.m_nMoves <= MAX_PLIES_WITHOUT_HEURISTICS ||
             m_request.m_heuristicSet.m_nHeuristics == 0)
             return IsMateWithoutHeuristics(board);
@@ -215,6 +235,7 @@ private:
     std::vector<TMove> m_vecLine;       ///< to the position at hand
     std::vector<TMove> m_vecRefutation; ///< the first line at whose end White had nothing
     TProvedPositions m_proved;
+    std::unique_ptr<TProofTable> m_pProofTable; ///< none before it is asked
 };
 
 } // namespace
