@@ -1,5 +1,9 @@
 #include "app/mirror.h"
 
+#include "chess/movetext.h"
+
+#include <algorithm>
+
 namespace corvina
 {
 namespace
@@ -24,15 +28,44 @@ bool HasCastlingLook(const TChessboard& board, int row, TFigure king, TFigure ro
     return (at(4) == king || at(3) == king) && (at(0) == rook || at(7) == rook);
 }
 
+/// The full form names both squares; only their files change.
+void MirrorText(std::string& strMove)
+{
+    for (std::size_t i = 0; i < strMove.size(); ++i) {
+        if (SquareAt(strMove, i) != NO_SQUARE)
+            strMove[i] =
+                static_cast<char>((IsFileLetter(strMove[i]) ? 'a' + 'h' : 'A' + 'H') - strMove[i]);
+    }
+}
+
 void MirrorVariant(TVariant& variant)
 {
     for (TVariantMove& move : variant.m_vecMoves) {
         MirrorMove(move.m_move);
-        // The full form names both squares; only their files change.
-        for (char& c : move.m_strText) {
-            if (c >= 'a' && c <= 'h')
-                c = static_cast<char>('a' + 'h' - c);
-        }
+        MirrorText(move.m_strText);
+    }
+}
+
+void MirrorPattern(std::string& strPattern)
+{
+    for (auto row = strPattern.begin();;) {
+        const auto end = std::find(row, strPattern.end(), '/');
+        std::reverse(row, end);
+        if (end == strPattern.end())
+            return;
+        row = end + 1;
+    }
+}
+
+void MirrorIndication(TSortIndication& item)
+{
+    MirrorSquare(item.m_from);
+    MirrorSquare(item.m_to);
+    MirrorPattern(item.m_strPattern);
+    if (item.m_pVariant) {
+        TVariant variant = *item.m_pVariant;
+        MirrorVariant(variant);
+        item.m_pVariant = std::make_shared<const TVariant>(std::move(variant));
     }
 }
 
@@ -52,15 +85,11 @@ void MirrorProblem(TProblem& problem)
     for (TMove& move : problem.m_vecExpectedSortWhiteMoves)
         MirrorMove(move);
     for (auto& [nNumber, vecItems] : problem.m_sortIndications.m_mapItems) {
-        for (TSortIndication& item : vecItems) {
-            MirrorSquare(item.m_from);
-            MirrorSquare(item.m_to);
-        }
+        for (TSortIndication& item : vecItems)
+            MirrorIndication(item);
     }
-    for (auto& [strName, variant] : problem.m_mapVariants) {
-        if (IsMainVariantName(strName))
-            MirrorVariant(variant);
-    }
+    for (auto& [strName, variant] : problem.m_mapVariants)
+        MirrorVariant(variant);
 }
 
 } // namespace corvina

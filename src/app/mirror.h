@@ -10,7 +10,7 @@ namespace corvina
 bool IsCastlingPossible(const TChessboard& board);
 
 /// Replaces a problem by its image left to right: the position, which must be the start position,
-/// the expected moves, the sort indications and the main variant. Twice gives the same problem.
+/// the expected moves, the sort indications and the variants. Twice gives the same problem.
 void MirrorProblem(TProblem& problem);
 
 } // namespace corvina

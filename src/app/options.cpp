@@ -356,6 +356,7 @@ TRunSettings ApplyOptions(const TOptions& options, TSolveRequest& request)
                           request.m_pChessboard.get());
     TRunSettings settings;
     settings.m_bQuickMode = options.m_bQuickMode;
+    settings.m_nMainVariantUse = options.m_nUseMainVariantAsSortIndications;
     return settings;
 }
 

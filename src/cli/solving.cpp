@@ -40,6 +40,21 @@ void ApplySetOptions(TSolveRequest& request, const TSolveOptions& options)
             static_cast<std::int16_t>(HalfMovesOfMate(options.m_nShortMate));
 }
 
+/// Reads the text of --indications. Throws ChessException that tells where the fault is.
+TSortIndications ReadIndications(const std::string& strText)
+{
+    TSortIndications indications;
+    std::size_t nPosition = 0;
+    try {
+        ParseSortIndications(indications, strText, &nPosition);
+    }
+    catch (const ChessException& error) {
+        throw ChessException("--indications, at character " + std::to_string(nPosition + 1) + ": " +
+                             error.what());
+    }
+    return indications;
+}
+
 /// Says which heuristics of the set don't cut anything.
 void NoteWithoutEffect(const THeuristicSet& set)
 {
@@ -93,6 +108,13 @@ void AddSolveOptions(CLI::App& command, TSolveOptions& options)
         .add_option("--short-mate", options.m_nShortMate,
                     "moves that the search for a short mate looks ahead (by the position)")
         ->check(CLI::Range(1, 16));
+    command.add_option_function<std::string>(
+        "--indications",
+        [&options](const std::string& strText) {
+            options.m_indications = ReadIndications(strText);
+        },
+        "moves of White to try early, or late with ~, as in \"1.Qa1-a8, R:d5+, ~2.Ke2\"; the form "
+        "is that of problem files (those of the problem)");
     command.add_flag("--no-register", options.m_bNoRegister,
                      "search without memory of positions, for comparison");
     command.add_flag("--verify", options.m_bVerify,
@@ -110,6 +132,8 @@ TSolveOutcome SolveWithOptions(TSolveRequest& request, const TSolveOptions& opti
     request.m_nForcedThreads = static_cast<std::uint8_t>(options.m_nThreads);
     request.m_bPlain = options.m_bPlain;
     request.m_bUseRegister = !options.m_bNoRegister;
+    if (options.m_indications)
+        request.m_sortIndications = *options.m_indications;
     ApplySetOptions(request, options);
     NoteWithoutEffect(request.m_heuristicSet);
     request.OnPassEnd = [&](const TPassReport& report) {

@@ -34,8 +34,10 @@ struct TSolveOptions
     bool m_bNoFallback = false; ///< no stricter set within a line of play
     bool m_bSafe = false;
     bool m_bVerify = false; ///< walk the proof of each key
-    int m_nShortMate = 0;   ///< moves of the short mate search; 0: by the position
-    int m_nThreads = 0;     ///< 0: what the problem asks for, or one
+    /// Sort indications, in the place of the problem's.
+    std::optional<TSortIndications> m_indications;
+    int m_nShortMate = 0; ///< moves of the short mate search; 0: by the position
+    int m_nThreads = 0;   ///< 0: what the problem asks for, or one
     TOptions m_programOptions;
 };
 

@@ -54,6 +54,7 @@ public:
             if (bAddCaptures)
                 AddCapturesNextToKing();
         }
+        AddIndicatedMoves();
         return m_nListed;
     }
 
@@ -63,7 +64,6 @@ public:
         if constexpr (THREAT >= 2)
             AddQueenHunt();
         AddPreviousMove(previousMove);
-        AddIndicatedMoves();
         return {m_nListed, m_nListed == m_nLegal};
     }
 
@@ -220,7 +220,8 @@ private:
         });
     }
 
-    /// What the problem itself tells to try at this point of the solution.
+    /// What the problem itself tells to try at this point of the solution, quiet or not: it is to
+    /// be tried before all else.
     void AddIndicatedMoves()
     {
         if (m_context.m_nQuickerMateNesting)

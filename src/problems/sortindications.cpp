@@ -4,6 +4,7 @@
 #include "chess/movetext.h"
 #include "problems/lexer.h"
 
+#include <algorithm>
 #include <charconv>
 
 namespace corvina
@@ -161,6 +162,12 @@ void TSortIndications::Add(const TSortIndication& item)
 {
     m_mapItems[item.m_nMoveNumber].push_back(item);
     m_bHasGeneralItem |= item.m_nMoveNumber == 0;
+    m_nLongestDescription = std::max(m_nLongestDescription, CountPatternLetters(item.m_strPattern));
+}
+
+int CountPatternLetters(std::string_view strPattern)
+{
+    return static_cast<int>(std::count_if(strPattern.begin(), strPattern.end(), IsLetter));
 }
 
 TSortIndication ParseSortIndication(std::string_view strText)
@@ -168,12 +175,17 @@ TSortIndication ParseSortIndication(std::string_view strText)
     return CItemReader(TrimBlanks(strText)).Read();
 }
 
-void ParseSortIndications(TSortIndications& target, std::string_view strText)
+void ParseSortIndications(TSortIndications& target, std::string_view strText,
+                          std::size_t* pnPosition)
 {
+    const char* const pBegin = strText.data();
     const char separator = strText.find(',') != std::string_view::npos ? ',' : ';';
     while (true) {
         const std::size_t nEnd = std::min(strText.find(separator), strText.size());
-        target.Add(ParseSortIndication(strText.substr(0, nEnd)));
+        const std::string_view strItem = TrimBlanks(strText.substr(0, nEnd));
+        if (pnPosition)
+            *pnPosition = static_cast<std::size_t>(strItem.data() - pBegin);
+        target.Add(ParseSortIndication(strItem));
         if (nEnd == strText.size())
             return;
         strText.remove_prefix(nEnd + 1);

@@ -6,12 +6,15 @@
 #include <cstddef>
 #include <cstdint>
 #include <map>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace corvina
 {
+
+struct TVariant;
 
 /// A hint for the order in which moves are tried: a description of moves of White.
 struct TSortIndication
@@ -30,6 +33,16 @@ struct TSortIndication
     bool m_bNegated = false;         ///< marks moves to try last
     bool m_bStar = false;            ///< only if the moved figure can't be captured afterwards
 
+    // What the text form doesn't tell.
+
+    std::shared_ptr<const TVariant> m_pVariant = nullptr; ///< holds only on its line
+    /// Holds only if White's moves of the line so far satisfy the items of the earlier numbers.
+    bool m_bNeedsEarlierItems = false;
+    /// The position before the move, as the board field of a FEN: a letter is a figure that must
+    /// stand there, a digit so many squares that are empty or hold a Black pawn. Rows may be empty
+    /// or left out at the end: what they hold doesn't matter. Empty: any position.
+    std::string m_strPattern = {};
+
     bool operator==(const TSortIndication&) const = default;
 };
 
@@ -38,7 +51,7 @@ struct TSortIndications
 {
     std::map<std::uint16_t, std::vector<TSortIndication>> m_mapItems; ///< by move number
     bool m_bHasGeneralItem = false; ///< there is an item with move number 0
-    /// Letters of the longest pattern of a position among the items; items of a file have none.
+    /// Letters of the longest pattern among the items; items of a file have none.
     int m_nLongestDescription = 0;
 
     bool empty() const { return m_mapItems.empty(); }
@@ -46,6 +59,9 @@ struct TSortIndications
 
     bool operator==(const TSortIndications&) const = default;
 };
+
+/// Letters of a pattern: figures that it asks for.
+int CountPatternLetters(std::string_view strPattern);
 
 /// Reads one item: an optional "~" (try last), a move number with a point, a letter of a figure, an
 /// origin, ":" (a capture), ">" (none) or "-" (either), the destination, the letter of a promotion,
@@ -56,10 +72,13 @@ struct TSortIndications
 TSortIndication ParseSortIndication(std::string_view strText);
 
 /// Reads a list divided by commas, or by semicolons if it has no comma, and adds it to the target.
-/// Throws as ParseSortIndication does.
-void ParseSortIndications(TSortIndications& target, std::string_view strText);
+/// Throws as ParseSortIndication does; *pnPosition is then where in the text the item begins that
+/// is at fault, and the items in front of it have been added.
+void ParseSortIndications(TSortIndications& target, std::string_view strText,
+                          std::size_t* pnPosition = nullptr);
 
-/// The items in the form that is read, divided by "; ", but for the star, which isn't written.
+/// The items in the form that is read, divided by "; ", but for the star and what the form doesn't
+/// tell.
 std::string SortIndicationsToText(const TSortIndications& indications);
 
 } // namespace corvina

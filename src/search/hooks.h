@@ -51,12 +51,10 @@ TRelaxationCount ComputeRelaxationPlan(TChessboard& board, bool bStopAtEdgeEnd);
 /// The Black king has come to the edge where it can be held: the stricter set is worth a try.
 bool CanApplyEdgeHeuristicDynamically(const TChessboard& board);
 
-/// The moves that the problem tells to try at this point of the solution, and their number. A
-/// board without such hints has none.
-inline int GetIndicatedMoves(const TChessboard&, TMove*)
-{
-    return 0;
-}
+/// The legal moves that the problem tells to try at this point of the solution (indications.h), and
+/// their number; those that it tells to try last are none of them. White is to move. A board
+/// without such hints has none.
+int GetIndicatedMoves(TChessboard& board, TMove* pMoves);
 
 /// Half-moves to mate by the endgame tables; 0: no mate, UNKNOWN: no answer.
 constexpr int GLOBAL_REGISTER_UNKNOWN = 65535;

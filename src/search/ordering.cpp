@@ -1,5 +1,6 @@
 #include "search/ordering.h"
 
+#include "search/indications.h"
 #include "search/registeraccess.h"
 
 #include <algorithm>
@@ -17,6 +18,11 @@ constexpr TScore SCORE_KILLER = -1000;
 constexpr TScore SCORE_CHECK = -100;
 constexpr TScore SCORE_DOUBLE_CHECK = -150;
 constexpr TScore SCORE_PROMOTION = -40;
+
+/// What is added to a score by a sort indication, so that its move comes before or behind all
+/// others.
+constexpr TScore SCORE_INDICATED_FIRST = -2000;
+constexpr TScore SCORE_INDICATED_LAST = 2000;
 
 /// A material scale for captures, by kind.
 constexpr TScore MaterialValue(TFigure kind)
@@ -70,6 +76,14 @@ TScore ScoreWhite(const TChessboard& board, const TChessboard& child, const TMov
     return nScore;
 }
 
+std::optional<TScore> ScoreByIndication(TNodeIndications& indications, const TChessboard& child)
+{
+    const auto nScore = indications.Score(child);
+    if (!nScore)
+        return std::nullopt;
+    return *nScore + (*nScore < 0 ? SCORE_INDICATED_FIRST : SCORE_INDICATED_LAST);
+}
+
 TScore ScoreBlack(const TChessboard& board, const TChessboard& child, const TMove& move,
                   const TKiller& killer)
 {
@@ -96,12 +110,18 @@ int SortWhiteMovesCheap(TChessboard& board, TMove* pMoves, int nMoves)
     TScoredMove aScored[MAX_MOVES + 1];
     TThreadContext& context = ContextOf(board);
     const TKiller& killer = context.m_aWhiteKillers[board.m_nMoves];
+    TNodeIndications indications(board);
     int nLegal = 0;
     for (int i = 0; i < nMoves; ++i) {
         TChessboard& child = context.MakeChild(board);
-        if (child.MakeWhiteMove(&pMoves[i]))
-            aScored[nLegal++] = {ScoreWhite(board, child, pMoves[i], killer), pMoves[i]};
+        if (!child.MakeWhiteMove(&pMoves[i]))
+            continue;
+        const auto nIndicated =
+            indications.Apply() ? ScoreByIndication(indications, child) : std::nullopt;
+        aScored[nLegal++] = {nIndicated ? *nIndicated : ScoreWhite(board, child, pMoves[i], killer),
+                             pMoves[i]};
     }
+    indications.Finish(aScored, nLegal);
     WriteSorted(aScored, nLegal, pMoves);
     return nLegal;
 }

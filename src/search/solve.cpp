@@ -1,6 +1,7 @@
 #include "search/solve.h"
 
 #include "search/findmate.h"
+#include "search/indications.h"
 
 #include <algorithm>
 
@@ -45,6 +46,9 @@ void PrepareRun(TSolveRequest& request, const TRunSettings& settings)
     request.m_nPassCount = 0;
     request.m_nPositions = 0;
     request.m_bSafeMode = !settings.m_bQuickMode || (request.m_nRunOptions & RUN_SAFEMODE);
+    request.m_nMainVariantUse = settings.m_nMainVariantUse;
+    if (request.m_nMainVariantUse == 0 && (request.m_nRunOptions & RUN_MAINVARIANTSORTS))
+        request.m_nMainVariantUse = 1;
     request.m_nThreads = ThreadsOf(request, settings);
     request.m_nEffectiveThreads = request.m_nThreads;
     request.m_nSearchMode = SearchModeOf(request, settings);
@@ -65,6 +69,7 @@ TSolveOutcome Solve(TSolveRequest& request, const TRunSettings& settings)
     root.CheckStartPosition(request.m_nRequestedMoves, true);
     // Solved positions of another problem are of no use here.
     request.m_TemporaryRegister.SetPosition(root.m_board);
+    LoadSortIndications(request);
 
     const TFoundSolutionsHold hold;
     request.m_pFoundSolutions = request.m_nSearchMode & SEARCH_ALL ? hold.get() : nullptr;

@@ -16,6 +16,8 @@ struct TRunSettings
     int m_nThreads = 1;
     bool m_bStopAtFirstSolution = false;
     bool m_bQuickMode = true;
+    /// Variants as sort indications: 0 none, 1 the main one, 2 all. A problem may ask for 1.
+    std::uint8_t m_nMainVariantUse = 0;
 };
 
 struct TSolveOutcome

@@ -74,6 +74,7 @@ struct TSolveRequest : TProblem, TStopBlock, TRegisterHost
     bool m_bProofSearch = false;  ///< a search for the first solution has a scout beside it
     bool m_bAnalyse = false;      ///< the run chooses its set itself, if it is long enough for that
     std::optional<double> m_analysisSeconds; ///< that the choice has taken; empty: none was made
+    TSortIndications m_mapSortIndications; ///< of the run: the problem's and those of its variants
 
     // Men of the root position: queens, rooks, bishops and knights, and pawns.
     std::uint8_t m_nRootWhiteFigures = 0, m_nRootWhitePawns = 0;
