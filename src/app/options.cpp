@@ -351,6 +351,7 @@ TRunSettings ApplyOptions(const TOptions& options, TSolveRequest& request)
             ComputeMemoryLimits(options, nTotalBytes).m_nTemporaryMB);
     SetRelaxationLog(options.m_bTryRelaxSpecialHeuristicsLog);
     request.m_bClearRegister = options.m_bClearRegisterOnStartSolving;
+    request.m_bManualControl = options.m_bEnableManualEngineControl;
     request.m_bShareMoves = options.m_bLetAnalyzeTheSameMoveInTwoThreads;
     ApplyHeuristicOptions(request.m_mapHeuristicOptions, request.m_heuristicSet,
                           request.m_pChessboard.get());

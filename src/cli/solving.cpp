@@ -263,6 +263,8 @@ void AddResultTo(nlohmann::ordered_json& line, const TSolveRequest& request,
     line["result"] = ResultWord(outcome);
     line["solutions"] = MoveTexts(request, outcome.m_vecSolutions);
     line["doubtful"] = outcome.m_bDoubtful;
+    if (outcome.m_bInfluencedByHand)
+        line["influencedByHand"] = true;
     for (const TVerifiedKey& key : vecKeys)
         line["verified"].push_back({{"key", key.m_strKey},
                                     {"holds", key.m_verification.m_bHolds},
@@ -286,6 +288,8 @@ void AddResultTo(nlohmann::ordered_json& line, const TSolveRequest& request,
 
 void PrintNotes(const TSolveRequest& request, const TSolveOutcome& outcome)
 {
+    if (outcome.m_bInfluencedByHand)
+        std::printf("\t* the run was influenced by hand: solutions may be missing\n");
     const THeuristicSet& set = request.m_heuristicSet;
     if (set.m_nHeuristics == 0 || outcome.m_bStopped)
         return;

@@ -2,6 +2,7 @@
 #define CORVINA_SEARCH_BLACKNODE_H
 
 #include "chess/notation.h"
+#include "search/enginecommand.h"
 #include "search/hooks.h"
 #include "search/ordering.h"
 #include "search/registeraccess.h"
@@ -46,21 +47,34 @@ public:
         }
         if (nMoves < 0)
             return ResultOfRefutation(static_cast<TSearchResult>(nMoves));
+        const TShownList shown(m_context, m_nDepth);
+        m_context.m_apMoves[m_nDepth] = moves.data();
         m_context.m_anMoveCount[m_nDepth] = static_cast<std::uint8_t>(nMoves);
         if (TKind::WalksAllReplies(m_board))
             return WalkAllReplies(moves.data(), nMoves);
         for (int i = 0; i < nMoves; ++i) {
-            if (m_request.IsStopped(m_context.m_nThreadId))
-                return RESULT_NO_MATE;
             m_context.m_anMoveIndex[m_nDepth] = static_cast<std::uint8_t>(i);
+            if (!m_request.IsAtRest()) {
+                ServeStop(moves.data(), nMoves, i, false);
+                if (m_bStopped)
+                    return RESULT_NO_MATE;
+            }
             const TSearchResult nResult = TryReply(moves[i]);
             if (nResult != RESULT_MATE) {
+                // The refutation may be nothing but a search that was given up.
+                if (!m_request.IsAtRest() && ServeStop(moves.data(), nMoves, i, true)) {
+                    if (m_bStopped)
+                        return RESULT_NO_MATE;
+                    --i;
+                    continue;
+                }
                 m_context.m_aBlackKillers[m_nDepth] = {moves[i], m_board.m_board[moves[i].m_from]};
                 return ResultOfRefutation(nResult);
             }
             if (moves[i].PromotionKind() && m_context.m_bSkipEqualPromotions) {
                 m_context.m_bSkipEqualPromotions = false;
                 nMoves = DropEqualPromotions(moves.data(), i, nMoves);
+                m_context.m_anMoveCount[m_nDepth] = static_cast<std::uint8_t>(nMoves);
             }
         }
         return m_bHasReply || m_board.m_blackChecker != NO_CHECK ? RESULT_MATE : RESULT_NO_MATE;
@@ -69,6 +83,27 @@ public:
 private:
     /// Below this depth the replies are tried as generated, the latest refutation first.
     static constexpr int MIN_SORTED_DEPTH = 6;
+
+    /// Looks closer at the stop block. Sets m_bStopped when the node is to end. True: a reply that
+    /// was tried at i doesn't count, and the one that is there now is to be tried.
+    bool ServeStop(TMove* pMoves, int nMoves, int i, bool bTried)
+    {
+        const EStopCheck check = m_request.LookAtStop(m_context.m_nThreadId, m_nDepth);
+        if (check == EStopCheck::GoOn)
+            return false;
+        m_bStopped = check == EStopCheck::GiveUp;
+        if (m_bStopped)
+            return true;
+        const TEngineCommand command = m_request.GetCommand();
+        if (command.m_pReport) {
+            ReportMoves(m_board, command);
+            return false;
+        }
+        if (bTried)
+            ServeOnBlackList(command, pMoves, nMoves, i);
+        m_bStopped = !m_request.FinishCommand(m_context.m_nThreadId);
+        return true;
+    }
 
     /// The root of the defence task: every reply is analysed and recorded.
     TSearchResult WalkAllReplies(TMove* pMoves, int nMoves)
@@ -170,7 +205,8 @@ private:
     const std::uint16_t m_nDepth;
     std::vector<std::uint16_t>& m_anRepeat;
     bool m_bHasReply = false;
-    bool m_bProbed = false; ///< the list is sorted: the register has been asked for each reply
+    bool m_bStopped = false; ///< by a stop or a command
+    bool m_bProbed = false;  ///< the list is sorted: the register has been asked for each reply
 };
 
 /// A leaf: no half-move is left.

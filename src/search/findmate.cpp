@@ -2,6 +2,7 @@
 
 #include "heuristics/positionanalysis.h"
 #include "platform/thread.h"
+#include "search/enginecommand.h"
 #include "search/firstmoves.h"
 #include "search/forcedmate.h"
 #include "search/hooks.h"
@@ -81,12 +82,14 @@ public:
     void Run()
     {
         DescribePass();
-        while (!m_run.m_bFoundEnough && !m_request.IsStopped(m_context.m_nThreadId)) {
+        m_request.TakeCommands(m_context.m_nThreadId);
+        while (!m_run.m_bFoundEnough && !MustStop()) {
             const auto pick = PickMove();
             if (!pick)
                 break;
             Decide(*pick);
         }
+        m_request.TakeNoMoreCommands(m_context.m_nThreadId);
         m_run.m_passes.Leave(m_nRound);
         if (m_scout) {
             m_context.m_nPositions += m_scout->Positions();
@@ -97,6 +100,21 @@ public:
     }
 
 private:
+    /// Deeper than any node: a command that no node has served is served here.
+    static constexpr std::uint16_t ABOVE_ALL_NODES = 65535;
+
+    /// Between two first moves: a command finds nothing to change. A report is left to the next
+    /// node.
+    bool MustStop()
+    {
+        if (m_request.IsAtRest())
+            return false;
+        const EStopCheck check = m_request.LookAtStop(m_context.m_nThreadId, ABOVE_ALL_NODES);
+        if (check != EStopCheck::Serve || m_request.GetCommand().m_pReport)
+            return check == EStopCheck::GiveUp;
+        return !m_request.FinishCommand(m_context.m_nThreadId);
+    }
+
     bool IsInLastPass() const { return m_board.m_nPass == PASS_WITHOUT_HEURISTICS; }
 
     /// The next move, after crossing into further passes as far as its round asks for it. Nothing:
@@ -171,9 +189,16 @@ private:
     {
         TMove move = m_run.m_table.Move(nIndex);
         m_context.m_firstMove = move;
-        TSearchResult nResult = Analyse(move);
+        m_context.m_bLeftOutByHand = false;
+        TSearchResult nResult = AnalyseShown(nIndex, move);
+        if (nResult != RESULT_MATE && ServesCommand(nIndex))
+            return;
         if (nResult != RESULT_MATE && IsGivenUp())
             nResult = TFirstMoveTable::NOT_ANALYSED;
+        else if (nResult < 0 && IsInLastPass() && m_context.m_bLeftOutByHand) {
+            m_run.m_table.LeaveOpen(nIndex);
+            return;
+        }
         else if (nResult < 0 && IsInLastPass())
             nResult = RESULT_NO_MATE;
         if (m_context.m_bSuspendResume) {
@@ -205,6 +230,38 @@ private:
         m_run.m_passes.CountDecision(m_nRound);
         m_run.m_bFoundByScout = true;
         OnSolution(key);
+    }
+
+    /// The root is a node of White, whose list those see who ask for it.
+    TSearchResult AnalyseShown(std::size_t nIndex, const TMove& move)
+    {
+        const std::uint16_t nDepth = m_board.m_nMoves;
+        const std::vector<TMove> vecMoves = m_run.m_table.MovesFrom(nIndex, m_nRound);
+        const TShownList shown(m_context, nDepth);
+        m_context.m_apMoves[nDepth] = vecMoves.data();
+        m_context.m_anMoveCount[nDepth] = static_cast<std::uint8_t>(vecMoves.size());
+        m_context.m_anMoveIndex[nDepth] = 0;
+        return Analyse(move);
+    }
+
+    /// A command concerns the first moves themselves, or the first move was given up for one. True:
+    /// it has been taken back.
+    bool ServesCommand(std::size_t nIndex)
+    {
+        if (m_request.IsAtRest() ||
+            m_request.LookAtStop(m_context.m_nThreadId, ABOVE_ALL_NODES) != EStopCheck::Serve)
+            return false;
+        const TEngineCommand command = m_request.GetCommand();
+        if (command.m_pReport)
+            return false;
+        m_run.m_table.Rearrange(nIndex, m_nRound, IsInLastPass(), [&](TMove* pMoves, int nMoves) {
+            const int nLeftOut = ServeOnWhiteList(command, pMoves, nMoves, 0, true).m_nLeftOut;
+            if (nLeftOut)
+                m_request.m_bInfluencedByHand = true;
+            return nLeftOut;
+        });
+        m_request.FinishCommand(m_context.m_nThreadId);
+        return true;
     }
 
     bool IsGivenUp() { return m_request.IsStopped(m_context.m_nThreadId); }

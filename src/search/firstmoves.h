@@ -5,6 +5,7 @@
 #include "search/result.h"
 
 #include <cstdint>
+#include <functional>
 #include <mutex>
 #include <optional>
 #include <vector>
@@ -40,6 +41,22 @@ public:
     /// move.
     bool Record(std::size_t nIndex, TSearchResult nResult);
 
+    /// A list of moves that a command by hand may rearrange; returns how many at its head are to be
+    /// left out.
+    using TRearrange = std::function<int(TMove* pMoves, int nMoves)>;
+
+    /// Takes a pick of the round back and lets a command rearrange it and the moves behind it that
+    /// nobody has begun in the round. What is left out counts as tried in the round, without a
+    /// result; with bForGood nobody tries it again, but it stays open.
+    void Rearrange(std::size_t nIndex, std::uint8_t nRound, bool bForGood,
+                   const TRearrange& rearrange);
+
+    /// A pick is left open for good.
+    void LeaveOpen(std::size_t nIndex);
+
+    /// The pick, and the moves behind it that nobody has begun in the round.
+    std::vector<TMove> MovesFrom(std::size_t nIndex, std::uint8_t nRound);
+
     /// Records a proof that was found beside the picks. True when this call decided the move.
     bool RecordMate(const TMove& move);
 
@@ -50,8 +67,12 @@ public:
     bool HasOpenMoves();
 
 private:
-    std::mutex m_csTable; ///< guards the last three vectors
+    std::vector<std::size_t> PlacesFrom(std::size_t nIndex, std::uint8_t nRound) const;
+
+    std::mutex m_csTable; ///< guards all vectors but the first
     const std::vector<TMove> m_vecFirstMoves;
+    std::vector<std::size_t> m_vecOrder; ///< indices, in the order of trying
+    std::vector<bool> m_vecLeftOut;      ///< not to be tried any more
     std::vector<TSearchResult> m_vecResult;
     std::vector<std::uint8_t> m_vecInProgress; ///< threads at work on the move
     std::vector<std::uint8_t> m_vecRound;      ///< analyses started

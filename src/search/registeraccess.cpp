@@ -45,11 +45,12 @@ private:
     std::uint8_t* m_pSquare = nullptr;
 };
 
-/// May the thread store what it has found? What a stop has cut short is no result.
+/// May the thread store what it has found? What a stop or a command has cut short is no result.
 bool MayStore(const TChessboard& board)
 {
     const TThreadContext& context = ContextOf(board);
-    return !board.m_pRequest->IsStopped(context.m_nThreadId) && context.m_nSuspended <= 1;
+    return !board.m_pRequest->IsGivenUp(context.m_nThreadId, board.m_nMoves) &&
+           context.m_nSuspended <= 1;
 }
 
 /// Is there room, after a sweep if need be?

@@ -43,6 +43,7 @@ void PrepareRun(TSolveRequest& request, const TRunSettings& settings)
     request.m_bThreadsForced = false;
     request.m_bSolutionFound = false;
     request.m_bPassWithoutHeuristics = false;
+    request.m_bInfluencedByHand = false;
     request.m_nPassCount = 0;
     request.m_nPositions = 0;
     request.m_bSafeMode = !settings.m_bQuickMode || (request.m_nRunOptions & RUN_SAFEMODE);
@@ -79,6 +80,7 @@ TSolveOutcome Solve(TSolveRequest& request, const TRunSettings& settings)
     outcome.m_elapsed = std::chrono::steady_clock::now() - request.m_tStart;
     outcome.m_bStopped = request.m_bCutShort;
     outcome.m_bDoubtful = request.m_bDoubtful;
+    outcome.m_bInfluencedByHand = request.m_bInfluencedByHand;
     request.m_pFoundSolutions = nullptr;
     return outcome;
 }

@@ -27,6 +27,7 @@ struct TSolveOutcome
     std::vector<TMove> m_vecSolutions;
     bool m_bStopped = false;  ///< the run was ended before it was done
     bool m_bDoubtful = false; ///< first moves are left that no pass that was wanted has decided
+    bool m_bInfluencedByHand = false; ///< a command by hand has changed the course of the run
     std::chrono::duration<double> m_elapsed{}; ///< seconds
 };
 

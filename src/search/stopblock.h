@@ -1,6 +1,7 @@
 #ifndef CORVINA_SEARCH_STOPBLOCK_H
 #define CORVINA_SEARCH_STOPBLOCK_H
 
+#include "chess/move.h"
 #include "platform/spinlock.h"
 
 #include <atomic>
@@ -8,6 +9,28 @@
 
 namespace corvina
 {
+
+struct TNodeMoves;
+
+/// A command by hand to one thread (enginecommand.h).
+struct TEngineCommand
+{
+    std::uint16_t m_nCommandDepth = 0; ///< nodes with fewer half-moves left are given up
+    std::uint8_t m_nCommand = 0;       ///< ORDER_...
+    std::uint8_t m_nSkipCommand =
+        1; ///< moves to go on, the one at work included; 0: to m_commandMove
+    TMove m_commandMove{};
+    TNodeMoves* m_pReport = nullptr;  ///< nothing but a report is wanted, to be put there
+    std::uint16_t m_nReportDepth = 0; ///< of the node that is asked about, or the next one above
+};
+
+/// What a node is to do after a look at the stop block.
+enum class EStopCheck : std::uint8_t
+{
+    GoOn,
+    GiveUp, ///< end without an answer
+    Serve   ///< a command waits for this node
+};
 
 /// How the threads of a run are told to pause, to serve a command and to stop.
 struct TStopBlock
@@ -23,12 +46,16 @@ struct TStopBlock
     std::atomic<std::uint16_t> m_nStopThread{ALL_THREADS}; ///< thread that the state concerns
     std::uint8_t m_nSavedStopState = RUN;                  ///< what to go back to after a command
     std::uint16_t m_nSavedStopThread = ALL_THREADS;
+    TEngineCommand m_command;              ///< in state COMMAND; guarded by m_bStopLock
+    std::uint64_t m_nCommandedThreads = 0; ///< that take commands, by bits; guarded likewise
 
     /// Sets the state, unless a stop of all threads is in force, which nothing but a new run lifts.
-    /// Any thread may call it.
+    /// While a command waits, only a stop that concerns its thread replaces it; any other state
+    /// comes into force when the command has been served. Any thread may call it.
     void SetStopState(std::uint8_t nState, std::uint16_t nThread);
 
-    /// Stops one thread, unless a stop is in force already: false then.
+    /// Stops one thread, unless another state is in force already: false then. A command to the
+    /// thread is dropped.
     bool StopThread(std::uint16_t nThread);
 
     /// Lifts a stop of that thread alone, with which it has complied.
@@ -45,7 +72,52 @@ struct TStopBlock
 
     bool IsStoppedForAll() const { return IsStopped(ALL_THREADS); }
 
+    /// Nothing but to run, by one plain read: there is no need to look closer.
+    bool IsAtRest() const { return m_nStopState.load(std::memory_order_relaxed) == RUN; }
+
+    /// What a node of the thread with so many half-moves left is to do. A pause is waited for.
+    EStopCheck LookAtStop(std::uint16_t nThread, std::uint16_t nDepth) const;
+
+    /// What such a node has found is no result: it may have been given up.
+    bool IsGivenUp(std::uint16_t nThread, std::uint16_t nDepth) const
+    {
+        return !IsAtRest() && IsGivenUpAfterAll(nThread, nDepth);
+    }
+
+    // Commands
+
+    static constexpr std::uint16_t MAX_COMMANDED_THREADS = 64;
+
+    /// From now on the thread takes commands, and no longer. The second one drops a command that
+    /// waits for it.
+    void TakeCommands(std::uint16_t nThread);
+    void TakeNoMoreCommands(std::uint16_t nThread);
+
+    enum class EPost : std::uint8_t
+    {
+        Posted,
+        NotYet,  ///< another command waits
+        NoThread ///< the thread takes none, or is to stop
+    };
+
+    /// Leaves a command for the thread, which then goes back to the state of now.
+    EPost PostCommand(std::uint16_t nThread, const TEngineCommand& command);
+
+    /// The command that asks for this report still waits.
+    bool IsReportWaiting(const TNodeMoves* pReport) const;
+
+    /// What the thread is told to do; LookAtStop has said Serve.
+    TEngineCommand GetCommand() const;
+
+    /// The thread has served its command, with this report if one was wanted: the state that was
+    /// saved comes back. False when the thread is to stop instead.
+    bool FinishCommand(std::uint16_t nThread, const TNodeMoves* pReport = nullptr);
+
 private:
+    bool IsFor(std::uint16_t nThread) const;
+    bool IsGivenUpAfterAll(std::uint16_t nThread, std::uint16_t nDepth) const;
+    EStopCheck Check(std::uint16_t nThread, std::uint16_t nDepth) const;
+    void Restore();
     bool IsStopFor(std::uint16_t nThread) const;
 };
 

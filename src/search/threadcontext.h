@@ -39,6 +39,7 @@ public:
         m_anRepeatDepth.resize(nLevels);
         m_anMoveIndex.resize(nLevels);
         m_anMoveCount.resize(nLevels);
+        m_apMoves.resize(nLevels);
         m_aBlackKillers.resize(nLevels);
         m_aWhiteKillers.resize(nLevels);
     }
@@ -54,6 +55,10 @@ public:
     // Where the thread stands, for the panel: index of the move under analysis and their number.
     std::vector<std::uint8_t> m_anMoveIndex;
     std::vector<std::uint8_t> m_anMoveCount;
+    std::vector<const TMove*> m_apMoves; ///< their lists; null where the line has no node
+
+    bool m_bLeftOutByHand =
+        false; ///< in the analysis of m_firstMove moves were passed over by hand
 
     // The short mate search.
     std::uint8_t m_nQuickerMateNesting = 0; ///< calls that are open

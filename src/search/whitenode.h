@@ -1,6 +1,7 @@
 #ifndef CORVINA_SEARCH_WHITENODE_H
 #define CORVINA_SEARCH_WHITENODE_H
 
+#include "search/enginecommand.h"
 #include "search/hooks.h"
 #include "search/line.h"
 #include "search/registeraccess.h"
@@ -115,6 +116,7 @@ private:
     TSearchResult SearchMoves()
     {
         TMoveList moves;
+        const TShownList shown(m_context, m_nDepth);
         int nMoves = m_kind.ListMoves(m_board, moves.data());
         for (int nDone = 0;;) {
             const TSearchResult nResult = TryMoves(moves.data(), nDone, nMoves);
@@ -132,12 +134,13 @@ private:
     /// RESULT_NO_MATE: none of them mates.
     TSearchResult TryMoves(TMove* pMoves, int nFrom, int nTo)
     {
+        m_context.m_apMoves[m_nDepth] = pMoves;
         m_context.m_anMoveCount[m_nDepth] = static_cast<std::uint8_t>(nTo);
-        for (int i = nFrom; i < nTo; ++i) {
-            if (IsStopped()) {
-                m_bStopped = true;
-                return RESULT_NO_MATE;
-            }
+        m_context.m_anMoveIndex[m_nDepth] = static_cast<std::uint8_t>(nFrom);
+        int i = nFrom;
+        if (!m_request.IsAtRest())
+            ServeStop(pMoves, nTo, i, false);
+        for (; i < nTo && !m_bStopped; ++i) {
             m_context.m_anMoveIndex[m_nDepth] = static_cast<std::uint8_t>(i);
             const TSearchResult nResult = TryMove(pMoves[i]);
             if (nResult == RESULT_MATE) {
@@ -146,12 +149,40 @@ private:
                 m_mate = pMoves[i];
                 return RESULT_MATE;
             }
+            // Behind the move: it may have been given up.
+            if (!m_request.IsAtRest() && ServeStop(pMoves, nTo, i, true))
+                continue;
             if (nResult == RESULT_DOUBTFUL)
                 ++m_nDoubtful;
             else if (nResult <= RESULT_REPETITION && !NoteRepetition())
                 return RESULT_REPETITION;
         }
         return RESULT_NO_MATE;
+    }
+
+    /// Looks closer at the stop block. Sets m_bStopped when the node is to end. True: the move at i
+    /// doesn't count, and the list goes on behind the new i. bTried: the move at i has been tried;
+    /// else the list goes on at i.
+    bool ServeStop(TMove* pMoves, int nMoves, int& i, bool bTried)
+    {
+        const EStopCheck check = m_request.LookAtStop(m_context.m_nThreadId, m_nDepth);
+        if (check == EStopCheck::GoOn)
+            return false;
+        m_bStopped = check == EStopCheck::GiveUp;
+        if (m_bStopped)
+            return true;
+        const TEngineCommand command = m_request.GetCommand();
+        if (command.m_pReport) {
+            ReportMoves(m_board, command);
+            return false;
+        }
+        const TServedList served = ServeOnWhiteList(command, pMoves, nMoves, i, bTried);
+        m_nDoubtful += served.m_nLeftOut;
+        if (served.m_nLeftOut)
+            m_context.m_bLeftOutByHand = m_request.m_bInfluencedByHand = true;
+        i = served.m_nNext - bTried;
+        m_bStopped = !m_request.FinishCommand(m_context.m_nThreadId);
+        return true;
     }
 
     /// One move of the list; a move that is illegal or ends in a repetition is no mate.
@@ -186,6 +217,9 @@ private:
     {
         if (IsStopped() || m_context.m_nSuspended > 1)
             return RESULT_NO_MATE;
+        // A repetition must not make certain what has been left out.
+        if (m_nDoubtful && m_context.m_bLeftOutByHand)
+            return RESULT_DOUBTFUL;
         if (m_board.m_nPass == 1 && !m_request.m_bSafeMode)
             return OnListExhaustedInQuickMode();
         return m_anRepeat[m_nDepth + 1] > m_nDepth ? RESULT_REPETITION
@@ -271,7 +305,7 @@ private:
     const std::uint16_t m_nDepth;
     std::vector<std::uint16_t>& m_anRepeat; ///< by depth plus one
     bool m_bRegister = false;
-    bool m_bStopped = false; ///< within the list
+    bool m_bStopped = false; ///< within the list, by a stop or a command
     int m_nDoubtful = 0;     ///< moves that were cut or came back doubtful
     int m_nRepetition = 0;   ///< moves that lean on a repetition
     TMove m_mate{};

@@ -1,0 +1,455 @@
+#include "chess/fen.h"
+#include "chess/notation.h"
+#include "search/enginecommand.h"
+#include "search/solve.h"
+#include "support/data.h"
+#include "support/slowchess.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <thread>
+
+namespace corvina
+{
+namespace
+{
+
+constexpr std::uint16_t ALL = TStopBlock::ALL_THREADS;
+
+TEngineCommand Command(int nDepth, int nOrder, int nSkip, TMove target = {})
+{
+    TEngineCommand command;
+    command.m_nCommandDepth = static_cast<std::uint16_t>(nDepth);
+    command.m_nCommand = static_cast<std::uint8_t>(nOrder);
+    command.m_nSkipCommand = static_cast<std::uint8_t>(nSkip);
+    command.m_commandMove = target;
+    return command;
+}
+
+/// Moves told by letters: the n-th goes to the n-th square.
+struct TLetters
+{
+    explicit TLetters(const std::string& strLetters)
+    {
+        for (const char c : strLetters)
+            m_vecMoves.push_back(Move(c));
+    }
+
+    static TMove Move(char c) { return {63, static_cast<std::uint8_t>(c - 'a'), 0, 0}; }
+
+    std::string Text() const
+    {
+        std::string strText;
+        for (const TMove& move : m_vecMoves)
+            strText += static_cast<char>('a' + move.m_to);
+        return strText;
+    }
+
+    std::vector<TMove> m_vecMoves;
+};
+
+TEST(EngineCommand, ListsOfWhite)
+{
+    const struct
+    {
+        int m_nIndex;
+        bool m_bGivenUp;
+        int m_nOrder, m_nSkip;
+        char m_target;
+        const char* m_pList;
+        int m_nNext, m_nLeftOut;
+    } aCases[] = {
+        // The move that was given up comes again, elsewhere.
+        {1, true, ORDER_SWAP, 1, 'a', "acbdef", 1, 0},
+        {1, true, ORDER_LAST, 1, 'a', "acdefb", 1, 0},
+        {5, true, ORDER_SWAP, 1, 'a', "abcdef", 5, 0},
+        {5, true, ORDER_LAST, 1, 'a', "abcdef", 5, 0},
+        // It is left out, with those that are skipped; the list's last move is reached at most.
+        {1, true, ORDER_KEEP, 1, 'a', "abcdef", 2, 1},
+        {1, true, ORDER_KEEP, 2, 'a', "abcdef", 3, 2},
+        {1, true, ORDER_KEEP, 5, 'a', "abcdef", 5, 4},
+        {3, true, ORDER_KEEP, 5, 'a', "abcdef", 5, 2},
+        {5, true, ORDER_KEEP, 5, 'a', "abcdef", 5, 0},
+        {5, true, ORDER_KEEP, 1, 'a', "abcdef", 6, 1},
+        // To a move behind it; another one changes nothing.
+        {1, true, ORDER_KEEP, 0, 'e', "abcdef", 4, 3},
+        {1, true, ORDER_KEEP, 0, 'c', "abcdef", 2, 1},
+        {1, true, ORDER_KEEP, 0, 'a', "abcdef", 1, 0},
+        {1, true, ORDER_KEEP, 0, 'x', "abcdef", 1, 0},
+        {1, true, ORDER_LAST, 0, 'e', "acdefb", 3, 2},
+        {1, true, ORDER_SWAP, 2, 'a', "acbdef", 2, 1},
+        // Before the first move there is nothing to reorder.
+        {0, false, ORDER_SWAP, 1, 'a', "abcdef", 0, 0},
+        {0, false, ORDER_KEEP, 3, 'a', "abcdef", 2, 2},
+        {0, false, ORDER_KEEP, 0, 'd', "abcdef", 3, 3},
+    };
+    for (const auto& c : aCases) {
+        TLetters list("abcdef");
+        const TServedList served =
+            ServeOnWhiteList(Command(9, c.m_nOrder, c.m_nSkip, TLetters::Move(c.m_target)),
+                             list.m_vecMoves.data(), 6, c.m_nIndex, c.m_bGivenUp);
+        EXPECT_EQ(list.Text(), c.m_pList) << c.m_nIndex << c.m_nOrder << c.m_nSkip << c.m_target;
+        EXPECT_EQ(served.m_nNext, c.m_nNext) << c.m_nIndex << c.m_nOrder << c.m_nSkip << c.m_target;
+        EXPECT_EQ(served.m_nLeftOut, c.m_nLeftOut) << c.m_nIndex << c.m_nOrder << c.m_nSkip;
+    }
+}
+
+TEST(EngineCommand, ListsOfBlackLoseNothing)
+{
+    for (const auto& [nIndex, nOrder, nSkip, pList] : {std::tuple{1, ORDER_SWAP, 1, "acbd"},
+                                                       {1, ORDER_LAST, 1, "acdb"},
+                                                       {1, ORDER_KEEP, 1, "abcd"},
+                                                       {1, ORDER_KEEP, 5, "abcd"},
+                                                       {3, ORDER_SWAP, 1, "abcd"},
+                                                       {3, ORDER_LAST, 0, "abcd"}})
+    {
+        TLetters list("abcd");
+        TMove& move = list.m_vecMoves[static_cast<std::size_t>(nIndex)];
+        move.m_promotion = TMove::MARK | KIND_QUEEN;
+        ServeOnBlackList(Command(9, nOrder, nSkip), list.m_vecMoves.data(), 4, nIndex);
+        EXPECT_EQ(list.Text(), pList);
+        const auto promotion =
+            std::find_if(list.m_vecMoves.begin(), list.m_vecMoves.end(),
+                         [](const TMove& other) { return other.m_promotion == KIND_QUEEN; });
+        EXPECT_NE(promotion, list.m_vecMoves.end()) << "a mark is left, or the figure is lost";
+    }
+}
+
+TEST(EngineCommand, TheStopBlockComesBack)
+{
+    using TBlock = TStopBlock;
+    const TEngineCommand command = Command(9, ORDER_SWAP, 1);
+    const auto posted = [&](TBlock& block, std::uint16_t nThread) {
+        block.TakeCommands(nThread);
+        return block.PostCommand(nThread, command) == TBlock::EPost::Posted;
+    };
+    {
+        TBlock block;
+        EXPECT_EQ(block.PostCommand(0, command), TBlock::EPost::NoThread);
+        ASSERT_TRUE(posted(block, 2));
+        EXPECT_EQ(block.PostCommand(2, command), TBlock::EPost::NotYet);
+        EXPECT_EQ(block.PostCommand(ALL, command), TBlock::EPost::NoThread);
+        EXPECT_EQ(block.LookAtStop(2, 8), EStopCheck::GiveUp);
+        EXPECT_EQ(block.LookAtStop(2, 9), EStopCheck::Serve);
+        EXPECT_EQ(block.LookAtStop(1, 8), EStopCheck::GoOn);
+        EXPECT_TRUE(block.IsGivenUp(2, 8));
+        EXPECT_FALSE(block.IsGivenUp(2, 9));
+        EXPECT_FALSE(block.IsGivenUp(1, 8));
+        EXPECT_FALSE(block.StopThread(1));
+        EXPECT_TRUE(block.FinishCommand(2));
+        EXPECT_TRUE(block.IsAtRest());
+        EXPECT_TRUE(block.StopThread(1));
+    }
+    {
+        TBlock block; // a pause goes on afterwards
+        block.SetStopState(TBlock::PAUSE, ALL);
+        ASSERT_TRUE(posted(block, 0));
+        EXPECT_EQ(block.m_nSavedStopState, TBlock::PAUSE);
+        EXPECT_EQ(block.LookAtStop(0, 9), EStopCheck::Serve);
+        EXPECT_TRUE(block.FinishCommand(0));
+        EXPECT_EQ(block.m_nStopState, TBlock::PAUSE);
+        EXPECT_EQ(block.m_nStopThread, ALL);
+    }
+    for (const std::uint16_t nThread : {std::uint16_t{0}, ALL}) {
+        TBlock block; // a stop of the thread comes in between
+        ASSERT_TRUE(posted(block, 0));
+        block.SetStopState(TBlock::STOP, nThread);
+        EXPECT_EQ(block.LookAtStop(0, 9), EStopCheck::GiveUp);
+        EXPECT_FALSE(block.FinishCommand(0));
+        EXPECT_TRUE(block.IsStopped(0));
+        EXPECT_EQ(block.PostCommand(0, command), TBlock::EPost::NoThread);
+    }
+    {
+        TBlock block; // a stop of another thread must not hide what has been given up
+        ASSERT_TRUE(posted(block, 0));
+        block.SetStopState(TBlock::STOP, 1);
+        EXPECT_TRUE(block.IsGivenUp(0, 8));
+        EXPECT_FALSE(block.IsStopped(1));
+        EXPECT_TRUE(block.FinishCommand(0));
+        EXPECT_TRUE(block.IsStopped(1));
+        EXPECT_FALSE(block.IsStopped(0));
+        EXPECT_EQ(posted(block, 0), false) << "the stop must stay in sight of its thread";
+        block.ResumeThread(1);
+        EXPECT_TRUE(posted(block, 0));
+    }
+    {
+        TBlock block; // the thread ends, or gives its first move up
+        ASSERT_TRUE(posted(block, 0));
+        block.TakeNoMoreCommands(0);
+        EXPECT_TRUE(block.IsAtRest());
+        ASSERT_TRUE(posted(block, 0));
+        EXPECT_TRUE(block.StopThread(0));
+        EXPECT_TRUE(block.IsStopped(0));
+        block.ResumeThread(0);
+        EXPECT_TRUE(block.IsAtRest());
+    }
+}
+
+/// The window: shows what it was asked about, and answers what the test wants.
+struct TFakeDialog : TEngineDialog
+{
+    std::optional<TMove> ChooseMove(const TNodeMoves& node) override
+    {
+        ++m_nQuestions;
+        m_strList.clear();
+        for (int i = 0; i < node.m_nMoves; ++i)
+            m_strList += MoveText(node.m_moves[i]) + " ";
+        m_strMove = MoveText(node.m_moves[node.m_nCurrent]);
+        m_nCurrent = node.m_nCurrent;
+        m_nDepth = node.m_board.m_nMoves;
+        if (m_nChoice < 0)
+            return std::nullopt;
+        return node.m_moves[std::min(node.m_nCurrent + m_nChoice, node.m_nMoves - 1)];
+    }
+
+    int m_nChoice = -1; ///< moves behind the one at work; below 0: Cancel
+    int m_nQuestions = 0;
+    std::string m_strList, m_strMove;
+    int m_nCurrent = 0, m_nDepth = 0;
+};
+
+void SetProblem(TSolveRequest& request, const std::string& strFen, int nMate)
+{
+    ASSERT_TRUE(ReadFen(*request.m_pChessboard, strFen)) << strFen;
+    request.SetMateIn(nMate);
+    request.m_bManualControl = true;
+}
+
+/// A run that takes for ever, in a thread of its own.
+struct TEndlessRun
+{
+    TEndlessRun()
+    {
+        SetProblem(request, "rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR", 9);
+        request.OnPositionAnalysed = [this](const TChessboard&) { ++m_nReports; };
+        thread = std::thread([this] { outcome = Solve(request, {}); });
+        // The node must be there, and the thread at work below it.
+        while (Look(14).m_nDepth != 14)
+            std::this_thread::yield();
+    }
+    ~TEndlessRun() { Stop(); }
+
+    void Stop()
+    {
+        request.SetStopState(TStopBlock::STOP, ALL);
+        if (thread.joinable())
+            thread.join();
+    }
+
+    ECommandSent Send(int nDepth, int nOrder, int nSkip, int nThread = 0)
+    {
+        return SendEngineCommand(request, dialog, static_cast<std::uint16_t>(nDepth),
+                                 static_cast<std::uint16_t>(nThread), nOrder, nSkip);
+    }
+
+    /// The node as it stands, by way of a question that is cancelled.
+    TFakeDialog Look(int nDepth)
+    {
+        dialog.m_nChoice = -1;
+        Send(nDepth, ORDER_KEEP, 0);
+        return dialog;
+    }
+
+    std::atomic<int> m_nReports{0}; ///< of progress
+    TSolveRequest request;
+    TFakeDialog dialog;
+    TSolveOutcome outcome;
+    std::thread thread;
+};
+
+/// The list with the word at nIndex at its end.
+std::string WithLast(const std::string& strList, const std::string& strWord)
+{
+    std::string strRest = strList;
+    strRest.erase(strRest.find(strWord), strWord.size() + 1);
+    return strRest + strWord + " ";
+}
+
+TEST(EngineCommand, ARunIsSteered)
+{
+    TEndlessRun run;
+    // The root, the first reply of Black, White's second move, and so on; the lists are long.
+    for (const int nDepth : {15, 16, 17}) {
+        const bool bWhite = nDepth % 2 != 0;
+        const TFakeDialog first = run.Look(nDepth);
+        EXPECT_EQ(first.m_nDepth, nDepth);
+        EXPECT_EQ(run.Send(nDepth, ORDER_LAST, 1), ECommandSent::Sent);
+        const TFakeDialog last = run.Look(nDepth);
+        EXPECT_EQ(last.m_strList, WithLast(first.m_strList, first.m_strMove)) << nDepth;
+        EXPECT_EQ(last.m_nCurrent, first.m_nCurrent);
+        EXPECT_NE(last.m_strMove, first.m_strMove);
+
+        EXPECT_EQ(run.Send(nDepth, ORDER_SWAP, 1), ECommandSent::Sent);
+        const TFakeDialog swapped = run.Look(nDepth);
+        EXPECT_EQ(swapped.m_nCurrent, first.m_nCurrent);
+        EXPECT_NE(swapped.m_strMove, last.m_strMove);
+        EXPECT_EQ(run.Send(nDepth, ORDER_SWAP, 1), ECommandSent::Sent);
+        EXPECT_EQ(run.Look(nDepth).m_strList, last.m_strList);
+        EXPECT_FALSE(run.request.m_bDoubtful);
+
+        if (nDepth == 17)
+            break; // the list of the first moves begins with the one at work
+        EXPECT_EQ(run.Send(nDepth, ORDER_KEEP, 1), ECommandSent::Sent);
+        EXPECT_EQ(run.Look(nDepth).m_nCurrent, first.m_nCurrent + bWhite);
+        EXPECT_EQ(run.Send(nDepth, ORDER_KEEP, 5), ECommandSent::Sent);
+        EXPECT_EQ(run.Look(nDepth).m_nCurrent, first.m_nCurrent + 6 * bWhite);
+        run.dialog.m_nChoice = 0;
+        EXPECT_EQ(run.Send(nDepth, ORDER_KEEP, 0), ECommandSent::Unchanged);
+        run.dialog.m_nChoice = 3;
+        EXPECT_EQ(run.Send(nDepth, ORDER_KEEP, -1), ECommandSent::Sent);
+        EXPECT_EQ(run.Look(nDepth).m_nCurrent, first.m_nCurrent + 9 * bWhite);
+        run.dialog.m_nChoice = -1;
+        EXPECT_EQ(run.Send(nDepth, ORDER_KEEP, 0), ECommandSent::Cancelled);
+    }
+    // The first moves: the list is that of the moves still to come.
+    const TFakeDialog before = run.Look(17);
+    EXPECT_EQ(run.Send(17, ORDER_KEEP, 2), ECommandSent::Sent);
+    const TFakeDialog after = run.Look(17);
+    EXPECT_TRUE(before.m_strList.ends_with(" " + after.m_strList));
+    EXPECT_EQ(before.m_strList.size(), after.m_strList.size() + 2 * (before.m_strMove.size() + 1));
+    // Half of the stipulation of 17 half-moves, or the next node above.
+    EXPECT_GE(run.Look(MAX_HALFMOVES).m_nDepth, 9);
+    EXPECT_LT(run.dialog.m_nDepth, 15);
+
+    EXPECT_EQ(run.Send(15, ORDER_LAST, 1, 1), ECommandSent::NoThread);
+    run.Stop();
+    EXPECT_TRUE(run.outcome.m_bInfluencedByHand);
+    EXPECT_EQ(run.Send(15, ORDER_LAST, 1), ECommandSent::NoThread);
+    EXPECT_EQ(run.Send(15, ORDER_KEEP, 0), ECommandSent::NoThread);
+    run.request.m_bManualControl = false;
+    EXPECT_EQ(run.Send(15, ORDER_LAST, 1), ECommandSent::Off);
+}
+
+struct TTask
+{
+    const char* m_pFen;
+    int m_nMate;
+};
+
+/// Long enough that nodes report progress, which the test takes for the chance of a command.
+constexpr TTask TASKS[] = {
+    {"8/p7/3P1p2/5k1p/2NR4/5K2/8/8", 6},
+    {"8/8/2p1k3/8/4K3/8/6Q1/8", 6},
+    {"5k2/5p2/5K2/8/8/7B/8/6R1", 6},
+    {"8/8/8/8/1p6/1k6/8/1K1R4", 7},
+};
+
+/// Commands from within the run itself, so that each time they come at the same places.
+void SendAtRandom(TSolveRequest& request, std::mt19937& random, int nCommands, bool bSkips)
+{
+    request.OnPositionAnalysed = [&request, &random, nCommands,
+                                  bSkips](const TChessboard&) mutable {
+        if (nCommands == 0 || random() % 3)
+            return;
+        const int nDepth = 2 + static_cast<int>(random() % 12);
+        const int nOrder = bSkips ? static_cast<int>(random() % 3) : 1 + random() % 2;
+        const int nSkip = bSkips ? 1 + static_cast<int>(random() % 6) : 1;
+        nCommands -=
+            request.PostCommand(0, Command(nDepth, nOrder, nSkip)) == TStopBlock::EPost::Posted;
+    };
+}
+
+TEST(EngineCommand, WhatIsGivenUpIsNeverTakenForAnAnswer)
+{
+    std::mt19937 random(3);
+    int nMissed = 0, nCommanded = 0;
+    for (const TTask& task : TASKS) {
+        const auto solve = [&](TSolveRequest& request) {
+            TSolveOutcome outcome = Solve(request, {});
+            return std::pair(SortedTexts(outcome.m_vecSolutions), outcome);
+        };
+        TSolveRequest undisturbed;
+        SetProblem(undisturbed, task.m_pFen, task.m_nMate);
+        const auto vecExpected = solve(undisturbed).first;
+        for (int nRound = 0; nRound < 6; ++nRound) {
+            TSolveRequest request;
+            SetProblem(request, task.m_pFen, task.m_nMate);
+            request.m_nMinRegisterPlies = 0;
+            const bool bSkips = nRound % 2 != 0;
+            SendAtRandom(request, random, 1 + 20 * nRound, bSkips);
+            const auto [vecFound, outcome] = solve(request);
+            nCommanded += request.m_nPositions != undisturbed.m_nPositions;
+            EXPECT_FALSE(outcome.m_bStopped);
+            if (!bSkips) {
+                EXPECT_EQ(vecFound, vecExpected) << task.m_pFen << " " << nRound;
+                EXPECT_FALSE(outcome.m_bDoubtful);
+            }
+            if (vecFound != vecExpected) {
+                ++nMissed;
+                EXPECT_TRUE(outcome.m_bDoubtful) << task.m_pFen << " " << nRound;
+                EXPECT_TRUE(outcome.m_bInfluencedByHand);
+                EXPECT_TRUE(std::includes(vecExpected.begin(), vecExpected.end(), vecFound.begin(),
+                                          vecFound.end()));
+            }
+            // What the register has kept of it must not mislead the next run.
+            request.OnPositionAnalysed = {};
+            const auto [vecAgain, again] = solve(request);
+            EXPECT_EQ(vecAgain, vecExpected) << task.m_pFen << " " << nRound;
+            EXPECT_FALSE(again.m_bDoubtful);
+            EXPECT_FALSE(again.m_bInfluencedByHand);
+        }
+    }
+    EXPECT_GT(nMissed, 3) << "the skipping hardly hits a solution";
+    EXPECT_GT(nCommanded, 10);
+}
+
+TEST(EngineCommand, CommandsFromAnotherThreadChangeNoSolution)
+{
+    for (const TTask& task : {TASKS[0], TTask{"8/8/8/8/2k5/8/3K4/3Q4", 7}}) {
+        TSolveRequest request;
+        SetProblem(request, task.m_pFen, task.m_nMate);
+        const auto vecExpected = SortedTexts(Solve(request, {}).m_vecSolutions);
+        request.m_TemporaryRegister.Clear(TAggregatedTemporaryChessboardRegister::CLEAR_EVERYTHING,
+                                          true);
+        std::atomic<bool> bEnded{false};
+        int nSent = 0;
+        std::thread commander([&] {
+            std::mt19937 random(17);
+            TFakeDialog dialog;
+            while (!bEnded) {
+                dialog.m_nChoice = -1;
+                const bool bAsk = random() % 4 == 0;
+                nSent += SendEngineCommand(request, dialog,
+                                           static_cast<std::uint16_t>(2 + random() % 10),
+                                           static_cast<std::uint16_t>(random() % 2),
+                                           1 + static_cast<int>(random() % 2),
+                                           bAsk ? 0 : 1) == ECommandSent::Sent;
+                std::this_thread::sleep_for(std::chrono::milliseconds(1));
+            }
+        });
+        TRunSettings settings;
+        settings.m_nThreads = 2;
+        const TSolveOutcome outcome = Solve(request, settings);
+        bEnded = true;
+        commander.join();
+        EXPECT_EQ(SortedTexts(outcome.m_vecSolutions), vecExpected) << task.m_pFen;
+        EXPECT_FALSE(outcome.m_bDoubtful);
+        EXPECT_EQ(outcome.m_bInfluencedByHand, nSent > 0);
+    }
+}
+
+TEST(EngineCommand, APauseLasts)
+{
+    TEndlessRun run;
+    const auto worksOn = [&] {
+        const int nReports = run.m_nReports;
+        std::this_thread::sleep_for(std::chrono::milliseconds(200));
+        return run.m_nReports != nReports;
+    };
+    EXPECT_TRUE(worksOn());
+    run.request.SetStopState(TStopBlock::PAUSE, ALL);
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    EXPECT_FALSE(worksOn());
+    // The thread wakes up for a command, and sleeps on.
+    const TFakeDialog before = run.Look(15);
+    EXPECT_EQ(run.Send(15, ORDER_SWAP, 1), ECommandSent::Sent);
+    EXPECT_NE(run.Look(15).m_strMove, before.m_strMove);
+    EXPECT_EQ(run.request.m_nStopState, TStopBlock::PAUSE);
+    EXPECT_FALSE(worksOn());
+    run.request.SetStopState(TStopBlock::RUN, ALL);
+    EXPECT_TRUE(worksOn());
+}
+
+} // namespace
+} // namespace corvina
