@@ -75,14 +75,8 @@ ECommandSent SendEngineCommand(TSolveRequest& request, TEngineDialog& dialog, st
             return ECommandSent::Unchanged;
         command.m_commandMove = *target;
     }
-    // In front of the command, lest the run end in between.
-    const bool bNoted =
-        (request.m_nSearchMode & SEARCH_ALL) && !request.m_bInfluencedByHand.exchange(true);
-    if (PostWhenPossible(request, nThread, command))
-        return ECommandSent::Sent;
-    if (bNoted)
-        request.m_bInfluencedByHand = false;
-    return ECommandSent::NoThread;
+    return PostWhenPossible(request, nThread, command) ? ECommandSent::Sent
+                                                       : ECommandSent::NoThread;
 }
 
 TServedList ServeOnWhiteList(const TEngineCommand& command, TMove* pMoves, int nMoves, int nIndex,

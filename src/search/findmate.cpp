@@ -82,7 +82,7 @@ public:
     void Run()
     {
         DescribePass();
-        m_request.TakeCommands(m_context.m_nThreadId);
+        m_request.TakeCommands(m_context.m_nThreadId, m_request.m_nSearchMode & SEARCH_ALL);
         while (!m_run.m_bFoundEnough && !MustStop()) {
             const auto pick = PickMove();
             if (!pick)

@@ -87,11 +87,10 @@ struct TSolveRequest : TProblem, TStopBlock, TRegisterHost
     bool m_bUseRegister = true;
     /// Tasks with fewer half-moves are solved faster than their positions are looked up.
     std::uint16_t m_nMinRegisterPlies = 10;
-    bool m_bPlain = false;         ///< by the plain recursion
-    bool m_bCutShort = false;      ///< a stop left first moves undecided
-    bool m_bDoubtful = false;      ///< the last pass that was wanted left first moves undecided
-    bool m_bManualControl = false; ///< commands by hand are taken (enginecommand.h)
-    std::atomic<bool> m_bInfluencedByHand{false}; ///< such a command has been given
+    bool m_bPlain = false;          ///< by the plain recursion
+    bool m_bCutShort = false;       ///< a stop left first moves undecided
+    bool m_bDoubtful = false;       ///< the last pass that was wanted left first moves undecided
+    bool m_bManualControl = false;  ///< commands by hand are taken (enginecommand.h)
     bool m_bClearRegister = false;  ///< what earlier runs have learnt is forgotten at the start
     bool m_bShareMoves = true;      ///< two threads may analyse one first move
     std::uint64_t m_nPositions = 0; ///< legal moves made in the last run

@@ -111,9 +111,10 @@ bool TStopBlock::IsGivenUpAfterAll(std::uint16_t nThread, std::uint16_t nDepth) 
     return Check(nThread, nDepth) == EStopCheck::GiveUp;
 }
 
-void TStopBlock::TakeCommands(std::uint16_t nThread)
+void TStopBlock::TakeCommands(std::uint16_t nThread, bool bNote)
 {
     const std::lock_guard guard(m_bStopLock);
+    m_bNotesCommands = bNote;
     m_nCommandedThreads |= BitOf(nThread);
 }
 
@@ -136,6 +137,8 @@ TStopBlock::EPost TStopBlock::PostCommand(std::uint16_t nThread, const TEngineCo
     m_nSavedStopState = m_nStopState;
     m_nSavedStopThread = m_nStopThread;
     m_command = command;
+    if (m_bNotesCommands && !command.m_pReport)
+        m_bInfluencedByHand = true;
     m_nStopThread = nThread;
     m_nStopState = COMMAND;
     return EPost::Posted;

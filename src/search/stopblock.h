@@ -48,6 +48,9 @@ struct TStopBlock
     std::uint16_t m_nSavedStopThread = ALL_THREADS;
     TEngineCommand m_command;              ///< in state COMMAND; guarded by m_bStopLock
     std::uint64_t m_nCommandedThreads = 0; ///< that take commands, by bits; guarded likewise
+    bool m_bNotesCommands = false;         ///< each command is noted; guarded likewise
+    /// A command has been posted in a run that notes them, or has made a node pass over moves.
+    std::atomic<bool> m_bInfluencedByHand{false};
 
     /// Sets the state, unless a stop of all threads is in force, which nothing but a new run lifts.
     /// While a command waits, only a stop that concerns its thread replaces it; any other state
@@ -89,8 +92,8 @@ struct TStopBlock
     static constexpr std::uint16_t MAX_COMMANDED_THREADS = 64;
 
     /// From now on the thread takes commands, and no longer. The second one drops a command that
-    /// waits for it.
-    void TakeCommands(std::uint16_t nThread);
+    /// waits for it. bNote: the run notes that it gets them.
+    void TakeCommands(std::uint16_t nThread, bool bNote);
     void TakeNoMoreCommands(std::uint16_t nThread);
 
     enum class EPost : std::uint8_t

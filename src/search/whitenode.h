@@ -89,6 +89,7 @@ private:
     void GiveUpFirstMove()
     {
         while (!IsStopped() && m_context.m_nSuspended <= 1 && !m_context.m_bSuspendResume) {
+            m_request.LookAtStop(m_context.m_nThreadId, m_nDepth); // a pause comes first
             m_context.m_bSuspendResume = m_request.StopThread(m_context.m_nThreadId);
             std::this_thread::yield(); // another thread may be on its way back
         }

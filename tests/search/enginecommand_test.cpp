@@ -27,7 +27,7 @@ TEngineCommand Command(int nDepth, int nOrder, int nSkip, TMove target = {})
     return command;
 }
 
-/// Moves told by letters: the n-th goes to the n-th square.
+/// A list of moves told by letters, the n-th for the n-th square.
 struct TLetters
 {
     explicit TLetters(const std::string& strLetters)
@@ -49,7 +49,7 @@ struct TLetters
     std::vector<TMove> m_vecMoves;
 };
 
-TEST(EngineCommand, ListsOfWhite)
+TEST(EngineCommand, Lists)
 {
     const struct
     {
@@ -68,7 +68,6 @@ TEST(EngineCommand, ListsOfWhite)
         // It is left out, with those that are skipped; the list's last move is reached at most.
         {1, true, ORDER_KEEP, 1, 'a', "abcdef", 2, 1},
         {1, true, ORDER_KEEP, 2, 'a', "abcdef", 3, 2},
-        {1, true, ORDER_KEEP, 5, 'a', "abcdef", 5, 4},
         {3, true, ORDER_KEEP, 5, 'a', "abcdef", 5, 2},
         {5, true, ORDER_KEEP, 5, 'a', "abcdef", 5, 0},
         {5, true, ORDER_KEEP, 1, 'a', "abcdef", 6, 1},
@@ -76,43 +75,27 @@ TEST(EngineCommand, ListsOfWhite)
         {1, true, ORDER_KEEP, 0, 'e', "abcdef", 4, 3},
         {1, true, ORDER_KEEP, 0, 'c', "abcdef", 2, 1},
         {1, true, ORDER_KEEP, 0, 'a', "abcdef", 1, 0},
-        {1, true, ORDER_KEEP, 0, 'x', "abcdef", 1, 0},
         {1, true, ORDER_LAST, 0, 'e', "acdefb", 3, 2},
-        {1, true, ORDER_SWAP, 2, 'a', "acbdef", 2, 1},
         // Before the first move there is nothing to reorder.
         {0, false, ORDER_SWAP, 1, 'a', "abcdef", 0, 0},
         {0, false, ORDER_KEEP, 3, 'a', "abcdef", 2, 2},
-        {0, false, ORDER_KEEP, 0, 'd', "abcdef", 3, 3},
     };
     for (const auto& c : aCases) {
-        TLetters list("abcdef");
+        TLetters white("abcdef"), black("abcdef");
+        const TEngineCommand command =
+            Command(9, c.m_nOrder, c.m_nSkip, TLetters::Move(c.m_target));
         const TServedList served =
-            ServeOnWhiteList(Command(9, c.m_nOrder, c.m_nSkip, TLetters::Move(c.m_target)),
-                             list.m_vecMoves.data(), 6, c.m_nIndex, c.m_bGivenUp);
-        EXPECT_EQ(list.Text(), c.m_pList) << c.m_nIndex << c.m_nOrder << c.m_nSkip << c.m_target;
-        EXPECT_EQ(served.m_nNext, c.m_nNext) << c.m_nIndex << c.m_nOrder << c.m_nSkip << c.m_target;
-        EXPECT_EQ(served.m_nLeftOut, c.m_nLeftOut) << c.m_nIndex << c.m_nOrder << c.m_nSkip;
-    }
-}
-
-TEST(EngineCommand, ListsOfBlackLoseNothing)
-{
-    for (const auto& [nIndex, nOrder, nSkip, pList] : {std::tuple{1, ORDER_SWAP, 1, "acbd"},
-                                                       {1, ORDER_LAST, 1, "acdb"},
-                                                       {1, ORDER_KEEP, 1, "abcd"},
-                                                       {1, ORDER_KEEP, 5, "abcd"},
-                                                       {3, ORDER_SWAP, 1, "abcd"},
-                                                       {3, ORDER_LAST, 0, "abcd"}})
-    {
-        TLetters list("abcd");
-        TMove& move = list.m_vecMoves[static_cast<std::size_t>(nIndex)];
-        move.m_promotion = TMove::MARK | KIND_QUEEN;
-        ServeOnBlackList(Command(9, nOrder, nSkip), list.m_vecMoves.data(), 4, nIndex);
-        EXPECT_EQ(list.Text(), pList);
-        const auto promotion =
-            std::find_if(list.m_vecMoves.begin(), list.m_vecMoves.end(),
-                         [](const TMove& other) { return other.m_promotion == KIND_QUEEN; });
-        EXPECT_NE(promotion, list.m_vecMoves.end()) << "a mark is left, or the figure is lost";
+            ServeOnWhiteList(command, white.m_vecMoves.data(), 6, c.m_nIndex, c.m_bGivenUp);
+        EXPECT_EQ(std::tuple(white.Text(), served.m_nNext, served.m_nLeftOut),
+                  std::tuple(c.m_pList, c.m_nNext, c.m_nLeftOut))
+            << c.m_nIndex << c.m_nOrder << c.m_nSkip << c.m_target;
+        if (!c.m_bGivenUp)
+            continue;
+        black.m_vecMoves[static_cast<std::size_t>(c.m_nIndex)].m_promotion = TMove::MARK;
+        ServeOnBlackList(command, black.m_vecMoves.data(), 6, c.m_nIndex);
+        EXPECT_EQ(black.Text(), c.m_pList);
+        for (const TMove& move : black.m_vecMoves)
+            EXPECT_EQ(move.m_promotion, 0) << "a mark of the analysis that was given up";
     }
 }
 
@@ -121,7 +104,7 @@ TEST(EngineCommand, TheStopBlockComesBack)
     using TBlock = TStopBlock;
     const TEngineCommand command = Command(9, ORDER_SWAP, 1);
     const auto posted = [&](TBlock& block, std::uint16_t nThread) {
-        block.TakeCommands(nThread);
+        block.TakeCommands(nThread, true);
         return block.PostCommand(nThread, command) == TBlock::EPost::Posted;
     };
     {
@@ -286,7 +269,6 @@ TEST(EngineCommand, ARunIsSteered)
         EXPECT_NE(swapped.m_strMove, last.m_strMove);
         EXPECT_EQ(run.Send(nDepth, ORDER_SWAP, 1), ECommandSent::Sent);
         EXPECT_EQ(run.Look(nDepth).m_strList, last.m_strList);
-        EXPECT_FALSE(run.request.m_bDoubtful);
 
         if (nDepth == 17)
             break; // the list of the first moves begins with the one at work
@@ -308,9 +290,10 @@ TEST(EngineCommand, ARunIsSteered)
     const TFakeDialog after = run.Look(17);
     EXPECT_TRUE(before.m_strList.ends_with(" " + after.m_strList));
     EXPECT_EQ(before.m_strList.size(), after.m_strList.size() + 2 * (before.m_strMove.size() + 1));
-    // Half of the stipulation of 17 half-moves, or the next node above.
-    EXPECT_GE(run.Look(MAX_HALFMOVES).m_nDepth, 9);
-    EXPECT_LT(run.dialog.m_nDepth, 15);
+    // Half of the stipulation of 17 half-moves; at times there is no such node.
+    for (int i = 0; i < 1000 && run.Look(MAX_HALFMOVES).m_nDepth != 9; ++i)
+        EXPECT_GT(run.dialog.m_nDepth, 9);
+    EXPECT_EQ(run.dialog.m_nDepth, 9);
 
     EXPECT_EQ(run.Send(15, ORDER_LAST, 1, 1), ECommandSent::NoThread);
     run.Stop();
@@ -432,23 +415,25 @@ TEST(EngineCommand, CommandsFromAnotherThreadChangeNoSolution)
 TEST(EngineCommand, APauseLasts)
 {
     TEndlessRun run;
-    const auto worksOn = [&] {
+    const auto worksOn = [&](int nTries) {
         const int nReports = run.m_nReports;
-        std::this_thread::sleep_for(std::chrono::milliseconds(200));
+        for (int i = 0; i < nTries && run.m_nReports == nReports; ++i)
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
         return run.m_nReports != nReports;
     };
-    EXPECT_TRUE(worksOn());
+    constexpr int AT_ONCE = 20, AT_LAST = 3000;
+    EXPECT_TRUE(worksOn(AT_LAST));
     run.request.SetStopState(TStopBlock::PAUSE, ALL);
-    std::this_thread::sleep_for(std::chrono::milliseconds(50));
-    EXPECT_FALSE(worksOn());
+    std::this_thread::sleep_for(std::chrono::milliseconds(200));
+    EXPECT_FALSE(worksOn(AT_ONCE));
     // The thread wakes up for a command, and sleeps on.
     const TFakeDialog before = run.Look(15);
     EXPECT_EQ(run.Send(15, ORDER_SWAP, 1), ECommandSent::Sent);
     EXPECT_NE(run.Look(15).m_strMove, before.m_strMove);
     EXPECT_EQ(run.request.m_nStopState, TStopBlock::PAUSE);
-    EXPECT_FALSE(worksOn());
+    EXPECT_FALSE(worksOn(AT_ONCE));
     run.request.SetStopState(TStopBlock::RUN, ALL);
-    EXPECT_TRUE(worksOn());
+    EXPECT_TRUE(worksOn(AT_LAST));
 }
 
 } // namespace
