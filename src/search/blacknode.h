@@ -2,8 +2,9 @@
 #define CORVINA_SEARCH_BLACKNODE_H
 
 #include "chess/notation.h"
+#include "search/blackcuts.h"
+#include "search/blacksort.h"
 #include "search/enginecommand.h"
-#include "search/hooks.h"
 #include "search/ordering.h"
 #include "search/registeraccess.h"
 #include "search/solverequest.h"
@@ -18,6 +19,8 @@ namespace corvina
 ///
 ///     bool WalksAllReplies(const TChessboard& board);
 ///         every reply is analysed and recorded
+///     EBlackSort FormOfSort(const TChessboard& board);
+///         what the sort of the replies may decide
 ///     bool VerifiesHeuristics(const TChessboard& child);
 ///         the hook is to be asked about the reply, if there are heuristics
 ///     bool HasShortMate(TChessboard& child);
@@ -39,7 +42,9 @@ public:
         TMoveList moves;
         int nMoves = m_board.GenerateBlackMoves(moves.data());
         if (m_nDepth >= MIN_SORTED_DEPTH) {
-            nMoves = SortBlackMoves(m_board, moves.data(), nMoves, &m_bHasReply);
+            nMoves = SortBlackMoves(m_board, moves.data(), nMoves, &m_bHasReply,
+                                    TKind::WalksAllReplies(m_board) ? EBlackSort::KeepsAll
+                                                                    : TKind::FormOfSort(m_board));
             m_bProbed = true;
         }
         else {
@@ -152,8 +157,7 @@ private:
             return RESULT_MATE;
         m_bHasReply = true;
         ++m_context.m_nPositions;
-        if (child.m_nPass == 1 && child.m_nHeuristics != 0 && TKind::VerifiesHeuristics(child) &&
-            IsCut(child, move))
+        if (TKind::VerifiesHeuristics(child) && IsCutAfterBlackMove(child, move))
             return RESULT_DOUBTFUL;
         if (!m_bProbed && UsesRegister(child)) {
             if (const auto known = ProbeRegister(child))
@@ -162,18 +166,6 @@ private:
         const bool bQuick = TKind::HasShortMate(child);
         m_context.m_bSkipEqualPromotions = false;
         return bQuick ? RESULT_MATE : TKind::SearchWhite(child);
-    }
-
-    /// The reply breaks a heuristic. A mark that the hook has put on the move goes with the child.
-    bool IsCut(TChessboard& child, TMove& move)
-    {
-        if (IsBlackMoveDoubtful(child, &move) > 0)
-            return true;
-        if (move.m_promotion & TMove::MARK) {
-            child.m_boardFlags |= TChessboard::FLAG_EDGECHECKDEFERRED;
-            child.m_nHeuristicsParams = ComputeHeurParams(child);
-        }
-        return false;
     }
 
     TSearchResult ResultOfRefutation(TSearchResult nResult)

@@ -12,6 +12,7 @@
 #include "search/rootsetup.h"
 #include "search/scout.h"
 #include "search/whitecuts.h"
+#include "search/whitesort.h"
 
 #include <algorithm>
 #include <chrono>
@@ -355,6 +356,9 @@ void RunThreads(TRun& run)
     WaitForThreads(run, nThreads);
 }
 
+/// Shorter tasks are solved sooner than their first moves are looked at.
+constexpr int MIN_SORTED_TASK = 6;
+
 /// White's legal first moves, the promising ones first.
 std::vector<TMove> FirstMoves(TChessboard& root)
 {
@@ -363,7 +367,10 @@ std::vector<TMove> FirstMoves(TChessboard& root)
     root.m_pRequest->m_nPlannedPasses = PlannedPasses(root, context);
     TMoveList moves;
     const int nMoves = root.GenerateWhiteMoves(moves.data());
-    const int nLegal = SortWhiteMovesCheap(root, moves.data(), nMoves);
+    int nLegal = SortWhiteMovesCheap(root, moves.data(), nMoves);
+    if (root.m_nMoves >= MIN_SORTED_TASK && !root.m_pRequest->m_bPlain)
+        nLegal = SortFirstMoves(root, moves.data(), nLegal);
+    std::for_each(moves.data(), moves.data() + nLegal, [](TMove& move) { move.m_bEnPassant = 0; });
     root.m_pThread = nullptr;
     return std::vector<TMove>(moves.data(), moves.data() + nLegal);
 }

@@ -136,6 +136,12 @@ struct TForcedReplies
 {
     static constexpr bool WalksAllReplies(const TChessboard&) { return false; }
 
+    /// A quick refutation goes by the other heuristics and by all moves of White.
+    static EBlackSort FormOfSort(const TChessboard& board)
+    {
+        return VerifiesOthers(board) ? EBlackSort::Full : EBlackSort::Light;
+    }
+
     static bool VerifiesHeuristics(const TChessboard& child) { return VerifiesOthers(child); }
 
     /// By the nodes of the level: the main search takes longer for so many half-moves than the

@@ -47,7 +47,7 @@ constexpr int MIN_REPETITION_DEPTH = 14;
 constexpr int SHORTEST_CYCLE = 4;
 
 /// In the last pass, or in safe mode: the occurrences lie close together, or the position stands
-/// for the third time. nDepth is that of White's node.
+/// for the third time. nDepth is that of the node before the move.
 bool CountsWithoutHeuristics(const TChessboard& child, const TChessboard& earlier, int nDepth)
 {
     if (nDepth < MIN_REPETITION_DEPTH)
@@ -70,6 +70,12 @@ bool IsRegisterable(const TChessboard& board)
         return false;
     return LooksLikeItsCastlingRights<EColour::White>(board) &&
            LooksLikeItsCastlingRights<EColour::Black>(board);
+}
+
+bool MayRepetitionsCount(const TChessboard& board)
+{
+    return board.m_nMoves >= MIN_REPETITION_DEPTH ||
+           (board.m_nPass < 2 && !board.m_pRequest->m_bSafeMode);
 }
 
 std::uint16_t CountingRepetition(const TChessboard& child)

@@ -10,7 +10,10 @@ namespace corvina
 /// possible, or that looks as if a king could castle when it can't, must stay out of them.
 bool IsRegisterable(const TChessboard& board);
 
-/// m_nMoves of the earlier occurrence of the position after White's move that ends the line: a
+/// Can a repetition count at all after a move of the node?
+bool MayRepetitionsCount(const TChessboard& board);
+
+/// m_nMoves of the earlier occurrence of the position after a move that ends the line: a
 /// repetition that counts. 0 when there is none. Before the last pass, in quick mode, every
 /// repetition counts; otherwise near the leaves none, where it can be searched out.
 std::uint16_t CountingRepetition(const TChessboard& child);

@@ -16,6 +16,11 @@ struct TAnyMove
         return nKind == NODE_DEFENCE && board.m_nMoves == ContextOf(board).m_nDefenceDepth;
     }
 
+    static constexpr EBlackSort FormOfSort(const TChessboard&)
+    {
+        return nKind == NODE_DEFENCE_DEEPER ? EBlackSort::Light : EBlackSort::Full;
+    }
+
     static constexpr bool VerifiesHeuristics(const TChessboard&) { return true; }
 
     static bool HasShortMate(TChessboard& child)

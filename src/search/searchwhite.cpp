@@ -3,27 +3,50 @@
 #include "search/ordering.h"
 #include "search/whitecuts.h"
 #include "search/whitenode.h"
+#include "search/whitesort.h"
 
 namespace corvina
 {
 namespace
 {
 
-/// Below this depth the list is generated figure by figure and not sorted.
+/// Below this depth the list stays as it is generated, below the next two it is sorted cheaply: a
+/// better order costs more there than it saves.
 constexpr int MIN_SORTED_DEPTH = 5;
+constexpr int MIN_FULLY_SORTED_DEPTH = 9;
+constexpr int MIN_FULLY_SORTED_IN_LAST_PASS = 17;
+
+bool IsFullySorted(const TChessboard& board)
+{
+    return board.m_nMoves >=
+           (board.m_nPass < 2 ? MIN_FULLY_SORTED_DEPTH : MIN_FULLY_SORTED_IN_LAST_PASS);
+}
 
 /// The nodes of the main search: every move of White.
 template <int nKind>
-struct TAllMoves
+class TAllMoves
 {
-    static int ListMoves(TChessboard& board, TMove* pMoves)
+public:
+    int ListMoves(TChessboard& board, TMove* pMoves)
     {
         const int nMoves = board.GenerateWhiteMoves(pMoves);
-        return board.m_nMoves >= MIN_SORTED_DEPTH ? SortWhiteMovesCheap(board, pMoves, nMoves)
-                                                  : nMoves;
+        if (board.m_nMoves < MIN_SORTED_DEPTH)
+            return nMoves;
+        return IsFullySorted(board) ? SortWhiteMoves(board, pMoves, nMoves, &m_nLeftOut)
+                                    : SortWhiteMovesCheap(board, pMoves, nMoves);
     }
 
-    static constexpr int ListMoreMoves(TChessboard&, TMove*, int, int*) { return 0; }
+    /// None; but those that the sort has left out make the node doubtful.
+    int ListMoreMoves(TChessboard& board, TMove*, int, int* pnDoubtful)
+    {
+        if (m_nLeftOut == 0)
+            return 0;
+        *pnDoubtful += m_nLeftOut;
+        TThreadContext& context = ContextOf(board);
+        context.m_nDoubtReason = SH_SKIPWORSTWHITEMOVES;
+        ++context.m_anCuts[std::countr_zero(SH_SKIPWORSTWHITEMOVES)];
+        return 0;
+    }
 
     static bool IsCut(const TChessboard& board, const TMove& move)
     {
@@ -41,6 +64,9 @@ struct TAllMoves
         }
         return SearchBlack<nKind>(child);
     }
+
+private:
+    int m_nLeftOut = 0; ///< moves that the sort has cut off
 };
 
 } // namespace

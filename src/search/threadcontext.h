@@ -42,6 +42,7 @@ public:
         m_apMoves.resize(nLevels);
         m_aBlackKillers.resize(nLevels);
         m_aWhiteKillers.resize(nLevels);
+        m_aUnrefuted.resize(nLevels);
     }
 
     std::uint16_t m_nThreadId = 0;  ///< for the stop block; 0 in a single-threaded run
@@ -69,6 +70,14 @@ public:
     TChessboard* m_pQuickerMateRoot = nullptr; ///< the position of the outermost call
     bool m_bSpecialSolverTried = false;
 
+    // The sorts (search/whitesort.h, search/blacksort.h) and the quick refutation.
+    std::int8_t m_nSortNesting = 0;        ///< sorts that are open
+    std::int8_t m_nFirstSortNesting = 0;   ///< sorts of first moves that are open
+    const TChessboard* m_pSortRoot = nullptr; ///< the position of the outermost sort
+    std::int8_t m_nSortProbeDepth = 0; ///< depth of the latest quick refutation, in half-moves
+    std::int8_t m_nRefutationNesting = 0;  ///< quick refutations that are open
+    const TChessboard* m_pRefutationRoot = nullptr; ///< the position of the outermost one
+
     // The forced mate search (search/forcedmate.h).
     std::int16_t m_nFfmBound = 0;        ///< of its short mate search, in half-moves
     std::int8_t m_nFfmVerifiesOther = 0; ///< THeuristicsParams::m_nFfmWithOther
@@ -92,6 +101,7 @@ public:
     /// Refutations by depth, the latest first.
     std::vector<TKiller> m_aBlackKillers;
     std::vector<TKiller> m_aWhiteKillers;
+    std::vector<TKiller> m_aUnrefuted; ///< of White, in quick refutations
     TKiller m_lastMate; ///< the latest mating move
 };
 
