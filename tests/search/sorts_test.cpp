@@ -358,7 +358,7 @@ TEST(Sorts, MovesLeftOutMakeARunDoubtful)
     const auto vecAll = SolutionsBy(board, MATE, YARDSTICK);
     TSolveRequest request;
     const TSolveOutcome outcome =
-        SolveBy(request, board, MATE, {"SH_SKIPWORSTWHITEMOVES", 1, 0, true, false});
+        SolveBy(request, board, MATE, {"SH_SKIPWORSTWHITEMOVES", 1, 0, false, false});
     EXPECT_GT(request.m_anCuts[std::countr_zero(SH_SKIPWORSTWHITEMOVES)], 0u);
     EXPECT_TRUE(outcome.m_bDoubtful);
     const auto vecFound = SortedTexts(outcome.m_vecSolutions);
