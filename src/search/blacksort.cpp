@@ -21,8 +21,10 @@ namespace
 using W = TSide<EColour::White>;
 using B = TSide<EColour::Black>;
 
-/// Half-moves left from which a test pays.
+/// Half-moves left from which a test pays. In the last pass, nearer to the leaves, a score of more
+/// than the move itself costs more time than it saves.
 constexpr int MIN_RICH_DEPTH = 8;
+constexpr int MIN_RICH_DEPTH_IN_LAST_PASS = 16;
 constexpr int MIN_PIN_DEPTH = 17;
 constexpr int MIN_COUNTER_MATE_DEPTH = 29;
 constexpr int MIN_SHUTTLE_DEPTH = 34;
@@ -87,7 +89,7 @@ public:
           m_bInTrial(m_nDepth >= MIN_LIGHT_DEPTH && m_context.m_nQuickerMateNesting == 0 &&
                      m_context.m_bNoQuickerMate),
           m_bRepetitions(form != EBlackSort::KeepsAll && MayRepetitionsCount(board)),
-          m_bRich(m_nDepth >= MIN_RICH_DEPTH)
+          m_bRich(m_nDepth >= (board.m_nPass < 2 ? MIN_RICH_DEPTH : MIN_RICH_DEPTH_IN_LAST_PASS))
     {
     }
 
