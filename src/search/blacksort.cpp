@@ -192,10 +192,10 @@ private:
     static bool PinsWhite(const TChessboard& child)
     {
         const TSquareSet occupied = TSets::Occupied(child.m_board);
-        TSquareSet figures = W::Figures(child.m_board) &
-                             ~TSets::Equal(child.m_board, W::PAWN) & ~Bit(child.WhiteKing()) &
-                             (g_geometry.m_aRook[child.WhiteKing()] |
-                              g_geometry.m_aBishop[child.WhiteKing()]);
+        TSquareSet figures =
+            W::Figures(child.m_board) & ~TSets::Equal(child.m_board, W::PAWN) &
+            ~Bit(child.WhiteKing()) &
+            (g_geometry.m_aRook[child.WhiteKing()] | g_geometry.m_aBishop[child.WhiteKing()]);
         while (figures) {
             if (IsPinnedTo<EColour::White>(child, occupied, PopLowestSquare(figures)))
                 return true;
@@ -221,8 +221,7 @@ private:
             return false;
         if (m_nDepth < MIN_DEEP_DEPTH || m_board.m_nInitialMoves - m_nDepth <= MAX_PLAYED)
             return true;
-        return WhiteFigures(m_board) + BlackFigures(m_board) <= 1 &&
-               HasRecentGain(m_board);
+        return WhiteFigures(m_board) + BlackFigures(m_board) <= 1 && HasRecentGain(m_board);
     }
 
     TSearchResult Pretest(TMove* pMoves, int nMoves)
@@ -253,7 +252,7 @@ private:
     const TOrderNoise m_noise;
     const bool m_bInTrial; ///< a sort or an analysis tries something: no costly looks
     const bool m_bRepetitions;
-    const bool m_bRich; ///< the whole score
+    const bool m_bRich;      ///< the whole score
     unsigned m_nShuttle = 0; ///< FromTo of the rook's way back; 0: none
 };
 

@@ -16,8 +16,8 @@ bool CanBeCapturedAtOnce(const TChessboard& child)
     const int square = child.m_LastMove.m_to;
     const TSquareSet occupied = TSets::Occupied(child.m_board);
     const TAttackers attackers = AttackersOf<C>(child, occupied, square);
-    TSquareSet takers = attackers.m_pawns | attackers.m_knights | attackers.m_diagonal |
-                        attackers.m_line;
+    TSquareSet takers =
+        attackers.m_pawns | attackers.m_knights | attackers.m_diagonal | attackers.m_line;
     if (child.DoubleSteppedPawn() == square) {
         for (const int side : {-1, 1}) {
             if (IsOnBoard(FileOf(square) + side, 0) && child.m_board[square + side] == S::PAWN)
@@ -28,9 +28,9 @@ bool CanBeCapturedAtOnce(const TChessboard& child)
         if (!IsPinnedTo<C>(child, occupied, PopLowestSquare(takers)))
             return true;
     }
-    return attackers.m_king && !IsAttackedBy<S::OTHER>(child, child.m_board,
-                                                       occupied & ~attackers.m_king, ALL_SQUARES,
-                                                       square);
+    return attackers.m_king &&
+           !IsAttackedBy<S::OTHER>(child, child.m_board, occupied & ~attackers.m_king, ALL_SQUARES,
+                                   square);
 }
 
 } // namespace corvina

@@ -13,9 +13,9 @@ namespace corvina
 /// from the sort until the move is made, which writes that byte anew.
 using TScore = std::int8_t;
 
-constexpr TScore SCORE_ILLEGAL = 127;   ///< at the end of the list, and not counted
-constexpr TScore SCORE_MAX_BLACK = 126; ///< of Black's sort
-constexpr TScore SCORE_MAX_WHITE = 125; ///< of White's sort; also of a move to try last
+constexpr TScore SCORE_ILLEGAL = 127;    ///< at the end of the list, and not counted
+constexpr TScore SCORE_MAX_BLACK = 126;  ///< of Black's sort
+constexpr TScore SCORE_MAX_WHITE = 125;  ///< of White's sort; also of a move to try last
 constexpr TScore SCORE_ALL_MATED = -127; ///< all replies are known to be mated
 constexpr TScore SCORE_BEST = -128;
 

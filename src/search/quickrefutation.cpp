@@ -102,9 +102,7 @@ private:
     {
         if (m_board.m_nPass == 1 && !m_request.m_bSafeMode) {
             Store(!m_bDoubtful && !m_bRepetition);
-            return m_bRepetition ? QUICK_REPETITION
-                   : m_bDoubtful ? QUICK_DOUBTFUL
-                                 : QUICK_NO_MATE;
+            return m_bRepetition ? QUICK_REPETITION : m_bDoubtful ? QUICK_DOUBTFUL : QUICK_NO_MATE;
         }
         if (m_anRepeat[m_nDepth + 1] > m_nDepth)
             return QUICK_REPETITION;
@@ -190,10 +188,8 @@ int ChooseDepth(const TChessboard& child)
     constexpr int MIN_RECENT_DEPTH = 7, FEW_MEN = 7, DEEP = 7, CAPPED = 6, CONFIRMED = 4;
     const int nTask = child.m_nInitialMoves, d = child.m_nMoves;
     int nMoves = nTask < LONG_TASK ? 1 : 2;
-    const int nLead =
-        nTask >= LONGER_TASK ? std::min((nTask - LONG_TASK) / 2, MAX_LEAD) : 0;
-    const bool bRecent =
-        WhiteFigures(child) + BlackFigures(child) <= 1 && HasRecentGain(child);
+    const int nLead = nTask >= LONGER_TASK ? std::min((nTask - LONG_TASK) / 2, MAX_LEAD) : 0;
+    const bool bRecent = WhiteFigures(child) + BlackFigures(child) <= 1 && HasRecentGain(child);
     if (d < nTask - 2 * std::max(nLead, nMoves) && !(bRecent && d >= MIN_RECENT_DEPTH))
         nMoves = 1;
     int nDepth = std::min(d - 1, 2 * nMoves);

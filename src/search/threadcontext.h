@@ -71,11 +71,11 @@ public:
     bool m_bSpecialSolverTried = false;
 
     // The sorts (search/whitesort.h, search/blacksort.h) and the quick refutation.
-    std::int8_t m_nSortNesting = 0;        ///< sorts that are open
-    std::int8_t m_nFirstSortNesting = 0;   ///< sorts of first moves that are open
+    std::int8_t m_nSortNesting = 0;           ///< sorts that are open
+    std::int8_t m_nFirstSortNesting = 0;      ///< sorts of first moves that are open
     const TChessboard* m_pSortRoot = nullptr; ///< the position of the outermost sort
-    std::int8_t m_nSortProbeDepth = 0; ///< depth of the latest quick refutation, in half-moves
-    std::int8_t m_nRefutationNesting = 0;  ///< quick refutations that are open
+    std::int8_t m_nSortProbeDepth = 0;    ///< depth of the latest quick refutation, in half-moves
+    std::int8_t m_nRefutationNesting = 0; ///< quick refutations that are open
     const TChessboard* m_pRefutationRoot = nullptr; ///< the position of the outermost one
 
     // The forced mate search (search/forcedmate.h).
@@ -102,7 +102,7 @@ public:
     std::vector<TKiller> m_aBlackKillers;
     std::vector<TKiller> m_aWhiteKillers;
     std::vector<TKiller> m_aUnrefuted; ///< of White, in quick refutations
-    TKiller m_lastMate; ///< the latest mating move
+    TKiller m_lastMate;                ///< the latest mating move
 };
 
 /// The context of the thread that a record of the search belongs to.

@@ -135,7 +135,8 @@ void TWhiteFeatures::AddRun(const TChessboard& child, const TMove& move, TScoreS
         TSquareSet goals = 0;
         for (TSquareSet pawns = m_runners; pawns;)
             goals |= Bit(FileOf(PopLowestSquare(pawns)));
-        for (TSquareSet pawns = m_board.m_nWhitePawns ? TSets::Equal(m_board.m_board, WHITE_PAWN) : 0;
+        for (TSquareSet pawns = m_board.m_nWhitePawns ? TSets::Equal(m_board.m_board, WHITE_PAWN)
+                                                      : 0;
              pawns;)
         {
             const int pawn = PopLowestSquare(pawns);
@@ -172,8 +173,8 @@ void TWhiteFeatures::AddHeuristics(const TChessboard& child, const TMove& move,
     if ((nMask & SH_ASSERTBLACKKINGSURROUNDED) && std::popcount(flights) > MANY_FLIGHTS)
         sums.m_nCoarse += 2 * (std::popcount(flights) - MANY_FLIGHTS);
     if ((nMask & SH_AREKINGSNEAR) && m_board.m_board[move.m_from] == WHITE_KING)
-        sums.m_nFine += 2 * (Distance(move.m_to, child.BlackKing()) -
-                             Distance(move.m_from, child.BlackKing()));
+        sums.m_nFine +=
+            2 * (Distance(move.m_to, child.BlackKing()) - Distance(move.m_from, child.BlackKing()));
 }
 
 } // namespace corvina

@@ -6,10 +6,10 @@
 namespace corvina
 {
 
-/// The full sort of White's moves, for nodes far enough from the leaves. Illegal moves go to the end
-/// with SCORE_ILLEGAL. Returns the number of moves to try; with SH_SKIPWORSTWHITEMOVES it is below
-/// that of the legal moves when those are many, and *pnLeftOut, if not null, tells by how much: the
-/// node is doubtful at best then. A stop of the run leaves the list as it stands.
+/// The full sort of White's moves, for nodes far enough from the leaves. Illegal moves go to the
+/// end with SCORE_ILLEGAL. Returns the number of moves to try; with SH_SKIPWORSTWHITEMOVES it is
+/// below that of the legal moves when those are many, and *pnLeftOut, if not null, tells by how
+/// much: the node is doubtful at best then. A stop of the run leaves the list as it stands.
 int SortWhiteMoves(TChessboard& board, TMove* pMoves, int nMoves, int* pnLeftOut = nullptr);
 
 /// The sort of the first moves of a run, under which no heuristic has a say. The caller's order

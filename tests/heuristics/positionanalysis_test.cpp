@@ -136,7 +136,8 @@ TEST(PositionAnalysis, SetsAreReadableAndRelaxToTheirEnd)
         while (TryRelaxSpecialHeuristics(task.m_root) != 0)
             ASSERT_GT(--nLeft, 0) << strSet;
     }
-    EXPECT_EQ(nSeen | SH_KEEPKINGNEARCORNER, IMPLEMENTED_HEURISTICS);
+    // The analysis leaves these two to the user.
+    EXPECT_EQ(nSeen | SH_KEEPKINGNEARCORNER | SH_SKIPWORSTWHITEMOVES, IMPLEMENTED_HEURISTICS);
 }
 
 TEST(PositionAnalysis, NotesWhatThePositionIs)

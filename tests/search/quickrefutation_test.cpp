@@ -100,8 +100,9 @@ TEST(QuickRefutation, NoMateIsTrueInTheFullDepth)
         const TChessboard board = bLonger || i % 3 == 0
                                       ? RandomPosition(random, 3 + i % (bLonger ? 3 : 6))
                                       : ComposedPosition(random);
-        ExpectTrueAnswers(board, bLonger ? 4 : 2 + i % 2, aSets[static_cast<std::size_t>(i) % std::size(aSets)],
-                          i % 4 < 2, anAnswers);
+        ExpectTrueAnswers(board, bLonger ? 4 : 2 + i % 2,
+                          aSets[static_cast<std::size_t>(i) % std::size(aSets)], i % 4 < 2,
+                          anAnswers);
         if (HasFatalFailure())
             return;
     }
@@ -141,9 +142,9 @@ struct TAfterReply
 TEST(QuickRefutation, IsDeeperNearTheRootOfALongTask)
 {
     constexpr const char* pFen = "8/8/8/3k4/8/8/4K3/R6R";
-    constexpr int aCases[][3] = {{11, 11, 0}, {13, 9, 0},   {13, 11, 2},  {15, 13, 4}, {19, 13, 2},
-                                 {25, 15, 4}, {25, 13, 2},  {31, 29, 8},  {31, 27, 6}, {31, 25, 6},
-                                 {31, 23, 4}, {31, 11, 2},  {129, 127, 8}, {129, 25, 2}};
+    constexpr int aCases[][3] = {{11, 11, 0}, {13, 9, 0},  {13, 11, 2},   {15, 13, 4}, {19, 13, 2},
+                                 {25, 15, 4}, {25, 13, 2}, {31, 29, 8},   {31, 27, 6}, {31, 25, 6},
+                                 {31, 23, 4}, {31, 11, 2}, {129, 127, 8}, {129, 25, 2}};
     for (const auto& [nTask, nLeft, nDepth] : aCases)
         EXPECT_EQ(TAfterReply(pFen, nTask, nLeft).DepthOfWalk(), nDepth) << nTask << ' ' << nLeft;
 }
