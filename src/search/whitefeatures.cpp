@@ -19,10 +19,10 @@ constexpr TSquareSet BLACK_RUNNER_ROWS = 0xFFFF00; ///< one and two steps from p
 constexpr TSquareSet BLACK_LAST_STEP = 0xFF00;
 
 /// If Black passed, White would mate in one.
-bool ThreatensMateInOne(const TChessboard& child)
+bool ThreatensMateInOne(TChessboard& child)
 {
     TChessboard passed = child;
-    passed.m_pParent = const_cast<TChessboard*>(&child);
+    passed.m_pParent = &child;
     TMove pass{child.BlackKing(), child.BlackKing(), 0, 0};
     passed.MakeBlackMove(&pass);
     return IsMateInOne(passed);
