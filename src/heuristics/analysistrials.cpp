@@ -70,6 +70,7 @@ public:
         TThreadContext& c = a.m_context;
         std::fill(c.m_aBlackKillers.begin(), c.m_aBlackKillers.end(), TKiller{});
         std::fill(c.m_aWhiteKillers.begin(), c.m_aWhiteKillers.end(), TKiller{});
+        std::fill(c.m_aUnrefuted.begin(), c.m_aUnrefuted.end(), TKiller{});
         std::fill(c.m_anRepeatDepth.begin(), c.m_anRepeatDepth.end(), std::uint16_t{0});
         c.m_lastMate = TKiller{};
         c.m_bNoQuickerMate = true;

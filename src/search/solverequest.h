@@ -93,12 +93,13 @@ struct TSolveRequest : TProblem, TStopBlock, TRegisterHost
     bool m_bManualControl = false;  ///< commands by hand are taken (enginecommand.h)
     bool m_bClearRegister = false;  ///< what earlier runs have learnt is forgotten at the start
     bool m_bShareMoves = true;      ///< two threads may analyse one first move
-    /// Not 0: the scores of every sort are disturbed, each seed giving another order. For tests.
-    std::uint32_t m_nOrderSeed = 0;
-    std::uint64_t m_nPositions = 0;           ///< legal moves made in the last run
+    std::uint64_t m_nPositions = 0; ///< legal moves made in the last run
     std::uint64_t m_nScoutPositions = 0;      ///< those of the scout among them
     bool m_bFoundByScout = false;             ///< the solution of the last run is the scout's
     std::array<std::uint64_t, 32> m_anCuts{}; ///< lines cut in the last run, by heuristic
+
+    /// Not 0: the scores of every sort are disturbed, each seed giving another order. For tests.
+    std::uint32_t m_nOrderSeed = 0;
 
     bool m_bRegisterConfirm = false; ///< hits under heuristics count only for the exact setting
     bool m_bThoroughDefence = false;
