@@ -98,14 +98,14 @@ public:
         const TSortNesting nesting(m_board);
         FindShuttle();
         int nLeft = 0;
-        std::uint16_t nRepeated = 0;
+        std::uint16_t nNearest = NO_REPETITION;
         for (int i = 0; i < nMoves; ++i) {
             TChessboard& child = m_context.MakeChild(m_board);
             if (!child.MakeBlackMove(&pMoves[i]))
                 continue;
             *pbHasReply = true;
-            if (m_bRepetitions)
-                nRepeated = std::max(nRepeated, CountingRepetition(child));
+            if (const std::uint16_t nEarlier = m_bRepetitions ? CountingRepetition(child) : 0)
+                nNearest = std::min(nNearest, nEarlier);
             if (MatesWhite(child))
                 return RESULT_REFUTED;
             if (UsesRegister(child)) {
@@ -120,8 +120,8 @@ public:
             ++nLeft;
         }
         SortByScore(pMoves, nLeft);
-        if (nRepeated) {
-            m_context.m_anRepeatDepth[m_nDepth] = nRepeated;
+        if (nNearest != NO_REPETITION) {
+            m_context.m_anRepeatDepth[m_nDepth] = nNearest;
             return RESULT_REPETITION;
         }
         if (nLeft && IsWorthPretest()) {
@@ -132,6 +132,8 @@ public:
     }
 
 private:
+    static constexpr std::uint16_t NO_REPETITION = 65535;
+
     /// A rook of Black that went along a file can go back: White has then to find something new.
     void FindShuttle()
     {
