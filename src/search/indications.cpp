@@ -4,6 +4,7 @@
 #include "chess/notation.h"
 #include "chess/sides.h"
 #include "search/hooks.h"
+#include "search/movesafety.h"
 #include "search/solverequest.h"
 
 namespace corvina
@@ -153,25 +154,6 @@ void LoadSortIndications(TSolveRequest& request)
     }
 }
 
-bool CanBeCapturedAtOnce(const TChessboard& board, TSquare square)
-{
-    const TAttackers attackers =
-        AttackersOf<EColour::Black>(board, TSets::Occupied(board.m_board), square);
-    if (attackers.m_king && !IsAttackedBy<EColour::White>(board, square))
-        return true;
-    TSquareSet captors = attackers.All() & ~attackers.m_king;
-    if (board.DoubleSteppedPawn() == square) {
-        const TSquareSet row = TSquareSet{0xFF} << (square & 56);
-        captors |= TSets::Equal(board.m_board, BLACK_PAWN) & KingZone(square) & row;
-    }
-    while (captors) {
-        const TSquare from = PopLowestSquare(captors);
-        if (!board.IsPinnedToBlackKing(FileOf(from), RowOf(from)))
-            return true;
-    }
-    return false;
-}
-
 TNodeIndications::TNodeIndications(const TChessboard& board) : m_board(board)
 {
     if (!board.m_pRequest)
@@ -229,7 +211,7 @@ bool TNodeIndications::Fits(const TSortIndication& item, const TChessboard& chil
         ((CountPatternLetters(item.m_strPattern) == 0 && !item.m_bNegated) ||
          !TPattern(item.m_strPattern).Fits(m_board)))
         return false;
-    return !item.m_bStar || !CanBeCapturedAtOnce(child, child.m_LastMove.m_to);
+    return !item.m_bStar || !CanBeCapturedAtOnce<EColour::Black>(child);
 }
 
 bool TNodeIndications::FitsEarlierItems() const

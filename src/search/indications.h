@@ -27,10 +27,6 @@ constexpr std::int8_t INDICATED_LAST = 125;
 /// What the position doesn't allow ends a variant.
 void LoadSortIndications(TSolveRequest& request);
 
-/// A Black man could take the figure on this square at once: the king when White doesn't protect
-/// the square, another figure when it isn't pinned, a pawn also en passant. Black is to move.
-bool CanBeCapturedAtOnce(const TChessboard& board, TSquare square);
-
 /// The indications that concern one node, for the length of a sort of its moves. White is to move.
 class TNodeIndications
 {

@@ -25,7 +25,8 @@ class TWhiteSorter
 public:
     explicit TWhiteSorter(TChessboard& board)
         : m_board(board), m_request(*board.m_pRequest), m_context(ContextOf(board)),
-          m_features(board), m_indications(board), m_noise(board), m_killer(m_context.m_aWhiteKillers[board.m_nMoves]),
+          m_features(board), m_indications(board), m_noise(board),
+          m_killer(m_context.m_aWhiteKillers[board.m_nMoves]),
           m_bRepetitions(MayRepetitionsCount(board))
     {
     }
