@@ -82,7 +82,7 @@ void PrintResult(const TSolveRequest& request, const TSolveOutcome& outcome, EVe
         std::printf("%s, %.3f s, %llu positions\n", VerdictText(request, verdict).c_str(),
                     outcome.m_elapsed.count(),
                     static_cast<unsigned long long>(request.m_nPositions));
-        PrintNotes(request, outcome);
+        PrintNotes(request, outcome, options);
         PrintVerification(vecKeys);
         return;
     }

@@ -40,13 +40,13 @@ void PrintJson(const TTask& task, const TSolveRequest& request, const TSolveOutc
 }
 
 void PrintText(const TTask& task, const TSolveRequest& request, const TSolveOutcome& outcome,
-               const std::vector<TVerifiedKey>& vecKeys)
+               const std::vector<TVerifiedKey>& vecKeys, const TSolveOptions& options)
 {
     std::printf("%s  #%d\n", task.m_strFen.c_str(), task.m_nMate);
     PrintSolutions(request, outcome);
     std::printf(", %.3f s, %llu positions\n", outcome.m_elapsed.count(),
                 static_cast<unsigned long long>(request.m_nPositions));
-    PrintNotes(request, outcome);
+    PrintNotes(request, outcome, options);
     PrintVerification(vecKeys);
 }
 
@@ -62,7 +62,7 @@ int SolveTask(const TTask& task, const TSolveOptions& options)
     if (options.m_bJson)
         PrintJson(task, request, outcome, vecPasses, vecKeys);
     else
-        PrintText(task, request, outcome, vecKeys);
+        PrintText(task, request, outcome, vecKeys, options);
     std::fflush(stdout);
     return WithVerification(ExitCodeOf(outcome), vecKeys);
 }

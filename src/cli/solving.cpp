@@ -286,7 +286,8 @@ void AddResultTo(nlohmann::ordered_json& line, const TSolveRequest& request,
     line["positions"] = request.m_nPositions;
 }
 
-void PrintNotes(const TSolveRequest& request, const TSolveOutcome& outcome)
+void PrintNotes(const TSolveRequest& request, const TSolveOutcome& outcome,
+                const TSolveOptions& options)
 {
     if (outcome.m_bInfluencedByHand)
         std::printf("\t* the run was influenced by hand: solutions may be missing\n");
@@ -295,7 +296,7 @@ void PrintNotes(const TSolveRequest& request, const TSolveOutcome& outcome)
         return;
     if (outcome.m_bDoubtful && !set.m_params.m_bRunPass2)
         std::printf("\t* pass without heuristics has been skipped (on user's request)\n");
-    if (!set.m_params.m_bLetRelax)
+    if (options.m_bNoRelax)
         std::printf("\t* there was only one pass with heuristcs (relaxation of heuristics was "
                     "switched off by user's request)\n");
 }

@@ -85,7 +85,8 @@ void AddResultTo(nlohmann::ordered_json& line, const TSolveRequest& request,
                  const std::vector<TVerifiedKey>& vecKeys);
 
 /// What keeps the outcome from being a proof; a line each.
-void PrintNotes(const TSolveRequest& request, const TSolveOutcome& outcome);
+void PrintNotes(const TSolveRequest& request, const TSolveOutcome& outcome,
+                const TSolveOptions& options);
 
 /// Prints a line for each solution and the start of a line that counts them.
 void PrintSolutions(const TSolveRequest& request, const TSolveOutcome& outcome);

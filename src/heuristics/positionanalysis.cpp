@@ -245,7 +245,7 @@ void TakeUpAnalysis(const TPositionAnalysis& analysis, TChessboard& root)
     const THeuristicsParams before = request.m_heuristicSet.m_params;
     request.m_heuristicSet = analysis.m_set;
     THeuristicsParams& params = request.m_heuristicSet.m_params;
-    params.m_bLetRelax = before.m_bLetRelax;
+    params.m_bLetRelax = before.m_bLetRelax && root.m_nMoves >= MIN_RELAXED_PLIES;
     params.m_bRunPass2 = before.m_bRunPass2;
     params.m_bEnableFallback = before.m_bEnableFallback;
     root.m_nPositionFlags = analysis.m_nPositionFlags;

@@ -25,6 +25,10 @@ constexpr std::uint32_t IMPLEMENTED_HEURISTICS =
 /// Tasks with fewer half-moves are solved sooner than they are analysed.
 constexpr int MIN_ANALYSED_PLIES = 11;
 
+/// A set that the analysis has chosen for a shorter task is not relaxed: the last pass takes no
+/// longer than the passes between.
+constexpr int MIN_RELAXED_PLIES = 13;
+
 /// What the position shows at a glance. Figures are queens, rooks, bishops and knights, majors are
 /// queens and rooks, minors the others.
 struct TPositionFacts

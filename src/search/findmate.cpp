@@ -30,6 +30,9 @@ constexpr std::size_t MIN_THREAD_STACK = std::size_t{1} << 20;
 /// A thread's stack per half-move of the task. A node holds its move list there.
 constexpr std::size_t STACK_PER_PLY = 12288;
 
+/// Shorter tasks are solved by the passes before a scout could find anything.
+constexpr int MIN_SCOUTED_PLIES = 13;
+
 /// What the root threads of a run share beside the request.
 struct TRun
 {
@@ -37,6 +40,7 @@ struct TRun
         : m_root(root), m_nThreads(nThreads), m_table(std::move(vecMoves)),
           m_passes(nThreads, root.m_pRequest->OnPassEnd),
           m_scouting(root.m_pRequest->m_bProofSearch && !root.m_pRequest->m_bPlain &&
+                     root.m_nMoves >= MIN_SCOUTED_PLIES &&
                      (root.m_pRequest->m_nSearchMode & SEARCH_FIRST))
     {
     }
