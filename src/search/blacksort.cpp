@@ -237,7 +237,8 @@ private:
                 IsCutAfterBlackMove(child, pMoves[i]) ? QUICK_DOUBTFUL : QuickRefutation(child);
             if (nAnswer == QUICK_UNKNOWN)
                 continue;
-            if (m_request.IsStopped(m_context.m_nThreadId))
+            // A search of the hook that was given up is no answer.
+            if (!m_request.IsAtRest())
                 return RESULT_NO_MATE;
             m_context.m_aBlackKillers[m_nDepth] = {pMoves[i], m_board.m_board[pMoves[i].m_from]};
             return static_cast<TSearchResult>(-nAnswer);

@@ -60,7 +60,8 @@ public:
                 return QUICK_UNKNOWN;
             }
         }
-        return m_request.IsStopped(m_context.m_nThreadId) ? QUICK_UNKNOWN : Conclude();
+        // A search of a hook that was given up is no answer.
+        return m_request.IsAtRest() ? Conclude() : QUICK_UNKNOWN;
     }
 
 private:
