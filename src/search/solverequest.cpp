@@ -40,7 +40,7 @@ void AddSolution(TSolveRequest& request, const TMove& move)
 {
     const std::lock_guard guard(g_csSolutions);
     auto& vecSolutions = request.m_vecSolutions;
-    if (ContainsMove(vecSolutions, move))
+    if (ContainsMove(vecSolutions, move) || HasEnoughSolutions(request))
         return;
     if (request.m_pFoundSolutions)
         request.m_pFoundSolutions->Publish(move);
