@@ -62,7 +62,9 @@ struct alignas(16) TChessboard
 
     // Further bits of m_boardFlags: what the heuristics note along a line.
 
+    static constexpr std::uint16_t BLACK_PROMOTIONS_MASK = 3; ///< their number, at most 3
     static constexpr std::uint16_t FLAG_SAVEFIGUREPENDING = 0x20;
+    static constexpr std::uint16_t FLAG_FIGUREGIVEN = 0x40; ///< White has lost one and may do so
     static constexpr std::uint16_t FLAG_EDGECHECKDEFERRED = 0x100; ///< m_bEdgeCheckDeferred
     static constexpr std::uint16_t FLAG_FIGURELOST = 0x2000;
     static constexpr std::uint16_t FLAG_EDGERELAXED = 0x8000; ///< m_bEdgeRelaxedInVariant

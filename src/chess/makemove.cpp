@@ -2,6 +2,8 @@
 #include "chess/sides.h"
 #include "chess/whitelists.h"
 
+#include <cstring>
+
 namespace corvina
 {
 namespace
@@ -29,6 +31,31 @@ struct TChange
 
     bool IsEnPassant() const { return m_captureSquare != m_to; }
 };
+
+void CountPromotion(TChessboard& b)
+{
+    if ((b.m_boardFlags & TChessboard::BLACK_PROMOTIONS_MASK) < TChessboard::BLACK_PROMOTIONS_MASK)
+        ++b.m_boardFlags;
+}
+
+/// The listed Black figures are followed; -1: captured.
+template <EColour C>
+void FollowListed(TChessboard& b, const TChange& c)
+{
+    std::uint64_t nAll;
+    std::memcpy(&nAll, b.m_trackedSquares, sizeof nAll);
+    if (nAll == ~std::uint64_t{0})
+        return; // no list
+    for (std::int8_t& square : b.m_trackedSquares) {
+        if constexpr (TSide<C>::IS_WHITE) {
+            if (c.m_captured != NO_FIGURE && square == c.m_captureSquare)
+                square = -1;
+        }
+        else if (square == c.m_from) {
+            square = static_cast<std::int8_t>(c.m_to);
+        }
+    }
+}
 
 template <EColour C>
 TChange PutFigure(TChessboard& b, TMove* pMove)
@@ -58,6 +85,8 @@ TChange PutFigure(TChessboard& b, TMove* pMove)
             c.m_placed = S::BIT | kind;
             if constexpr (S::IS_WHITE)
                 AddToWhiteLists(b, kind, pMove->m_to);
+            else
+                CountPromotion(b);
             --S::Pawns(b);
             ++b.CountOf(c.m_placed);
         }
@@ -332,6 +361,8 @@ bool MakeMove(TChessboard& b, TMove* pMove, bool bSkipLegalityTest)
     else if (S::IS_WHITE && c.m_moved == S::PAWN) {
         StoreWrongBishopFlag(b);
     }
+    if constexpr (F == EForm::Full)
+        FollowListed<C>(b, c);
     b.m_LastMove = *pMove;
     S::Checker(b) = NO_CHECK;
     if (b.m_nMoves == 0) {

@@ -1,8 +1,8 @@
 #include "heuristics/analysis.h"
 #include "heuristics/attacksets.h"
+#include "heuristics/blockedfigures.h"
 #include "heuristics/forcedmate.h"
 #include "heuristics/kingsurroundings.h"
-#include "heuristics/otheranalyses.h"
 #include "heuristics/relaxpredicates.h"
 
 #include <bit>
@@ -105,7 +105,7 @@ void PresetEdgeRelaxation(TAnalysis& a)
 
 void ChooseForcedMate(TAnalysis& a)
 {
-    constexpr int MIN_PRELIMINARY_PLIES = 61, MAX_PLIES_IF_BLOCKED = 23;
+    constexpr int MIN_PRELIMINARY_PLIES = 61, MAX_PLIES_IF_BLOCKED = 23, MANY_BLOCKED = 5;
     const TPositionFacts& f = a.m_facts;
     const TChessboard& b = a.m_board;
     if (b.m_nMoves < MIN_ANALYSED_PLIES || f.m_nMovableFigures == 0 || !IsForcedMateType(b))
@@ -115,7 +115,9 @@ void ChooseForcedMate(TAnalysis& a)
         a.Set(SH_FINDFORCEDMATE);
         return;
     }
-    const bool bBlocked = FindBlockedFigures(b) != 0 && a.m_params.m_bCanApplyDlfuDynamically;
+    // Nothing but the king and the pawns moves: forcing play leads nowhere.
+    const bool bBlocked = a.m_params.m_bCanApplyDlfuDynamically && f.m_nMovableFigures <= 1 &&
+                          FindBlockedFigures(b).CountFigures() >= MANY_BLOCKED;
     if (bBlocked && b.m_nMoves > MAX_PLIES_IF_BLOCKED)
         return;
     const int nCode =

@@ -1,5 +1,5 @@
 #include "heuristics/kingblocks.h"
-#include "heuristics/otherblocks.h"
+#include "heuristics/materialblocks.h"
 #include "search/hooks.h"
 
 #include <bit>

@@ -127,7 +127,10 @@ struct THeuristicsParams
     std::uint8_t m_nMovableBlackFigures = 0; ///< with at least one legal move
     std::uint8_t m_nRootBlackMajors = 0;     ///< queens and rooks
     std::uint8_t m_nRootWhiteMajors = 0;
-    std::uint8_t m_nRootWhiteMinors = 0; ///< bishops and knights
+    std::uint8_t m_nRootWhiteMinors = 0;     ///< bishops and knights
+    std::uint8_t m_nBlockedBlackFigures = 0; ///< FindBlockedFigures, pawns left out
+    bool m_bDlfuPawnsBreakFree = false;      ///< Black's pawns may walk without harm to White
+    std::int8_t m_nLoseFigureSlack = 0; ///< White's figures that may go before it counts as a loss
 
     bool operator==(const THeuristicsParams&) const = default;
 };

@@ -28,24 +28,6 @@ inline bool HasZugzwang(const TChessboard&)
     return false;
 }
 
-/// SH_DONTLETFIGUREUNBLOCK: Black figures that are blocked and that White had better not set free.
-inline TSquareSet FindBlockedFigures(const TChessboard&)
-{
-    return 0;
-}
-
-/// SH_KEYWHITEFIGURE: a White line figure that pins a Black one and can't be driven away.
-inline TSquare FindKeyWhiteFigure(const TChessboard&)
-{
-    return NO_SQUARE;
-}
-
-/// SH_SWEEPINGWHITEROOK: a rook on the first row into which Black's pawns must run.
-inline bool IsSweepingRookType(const TChessboard&)
-{
-    return false;
-}
-
 /// SH_SINGLEQUEENMATE: nothing but the White queen and the Black king can move.
 inline bool IsSingleQueenMate(const TChessboard&)
 {

@@ -2,9 +2,12 @@
 
 #include "chess/sides.h"
 #include "heuristics/analysis.h"
+#include "heuristics/blockedfigures.h"
 #include "heuristics/forcedmate.h"
+#include "heuristics/keyfigure.h"
 #include "heuristics/kingsurroundings.h"
 #include "heuristics/otheranalyses.h"
+#include "heuristics/sweepingrook.h"
 #include "search/hooks.h"
 #include "search/solverequest.h"
 
@@ -62,7 +65,7 @@ void ChooseBlockedFigures(TAnalysis& a)
     const TPositionFacts& f = a.m_facts;
     const bool bWeak =
         f.m_nWhiteMajors < MANY_MAJORS || 2 * f.m_nWhiteMaterial / 3 < f.m_nBlackMaterial;
-    TSquareSet figures = FindBlockedFigures(a.m_board);
+    TSquareSet figures = FindBlockedFigures(a.m_board).Figures();
     if (a.m_board.m_nMoves < MIN_PLIES || !bWeak || !figures)
         return;
     a.Set(SH_DONTLETFIGUREUNBLOCK);
@@ -101,11 +104,12 @@ void DropHopelessPromotionRule(TAnalysis& a)
 
 void ChooseKeyFigures(TAnalysis& a)
 {
-    const TSquare key = FindKeyWhiteFigure(a.m_board);
-    if (key != NO_SQUARE) {
+    const TKeyFigure key = AnalyzeKeyWhiteFigure(a.m_board);
+    if (key.IsFound()) {
         a.Set(SH_KEYWHITEFIGURE);
-        a.m_params.m_keyFigureSquare = key;
-        a.m_params.m_bKeyFigureIsRook = a.m_board.m_board[key] == WHITE_ROOK;
+        a.m_params.m_keyFigureSquare = key.m_square;
+        a.m_params.m_pinnedFigureSquare = key.m_pinned;
+        a.m_params.m_bKeyFigureIsRook = a.m_board.m_board[key.m_square] == WHITE_ROOK;
     }
     if (IsSweepingRookType(a.m_board))
         a.Set(SH_SWEEPINGWHITEROOK);

@@ -1,6 +1,7 @@
 #include "search/rootsetup.h"
 
 #include "heuristics/blackmobility.h"
+#include "heuristics/blockedfigures.h"
 #include "heuristics/kingsurroundings.h"
 #include "search/hooks.h"
 
@@ -22,6 +23,9 @@ void TakeUpHeuristics(TChessboard& root)
     params.m_nRootBlackMajors = static_cast<std::uint8_t>(BlackMajors(root));
     params.m_nMovableBlackFigures =
         static_cast<std::uint8_t>(std::popcount(FindBlackMobility(root).m_figures));
+    params.m_nBlockedBlackFigures =
+        static_cast<std::uint8_t>(FindBlockedFigures(root).CountFigures());
+    params.m_bDlfuPawnsBreakFree = CanBlackPawnsWalkInVain(root);
     params.m_nPassIndex = 0;
     ApplyToRoot(request.m_heuristicSet, root);
     if (request.m_bPlain)

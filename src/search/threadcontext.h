@@ -82,6 +82,11 @@ public:
     std::int16_t m_nFfmBound = 0;        ///< of its short mate search, in half-moves
     std::int8_t m_nFfmVerifiesOther = 0; ///< THeuristicsParams::m_nFfmWithOther
 
+    // Along the line: SH_SAVEQUEENROOK, SH_DONTLETFIGUREUNBLOCK.
+    std::uint16_t m_nSaveFigureDeadline = 0; ///< m_nMoves by which the figure must be replaced
+    std::uint8_t m_nUnblockIndex = 0;        ///< of the listed figure that moved last
+    std::uint16_t m_nDlfuDynamicDepth = 0;   ///< m_nMoves at the first addition to the list
+
     /// The heuristic that made the last result doubtful; 0 and -1: the register said so.
     std::uint32_t m_nDoubtReason = 0;
     std::uint8_t m_nHookNesting = 0;          ///< hooks of Black's moves that are open

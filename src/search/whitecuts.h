@@ -3,6 +3,7 @@
 
 #include "chess/geometry.h"
 #include "heuristics/heuristicbits.h"
+#include "heuristics/lastmoves.h"
 #include "search/hooks.h"
 #include "search/threadcontext.h"
 
@@ -31,9 +32,21 @@ inline bool RecedesFromBlackKing(const TChessboard& board, const TMove& move)
     return true;
 }
 
+/// With SH_DONTLOSEANYFIGURES: notes on the position after White's move whether Black's move before
+/// it took a figure. Black's next move is judged by it.
+inline void NoteLostFigure(TChessboard& child)
+{
+    if (!(child.m_nHeuristics & SH_DONTLOSEANYFIGURES))
+        return;
+    child.m_boardFlags &= static_cast<std::uint16_t>(~TChessboard::FLAG_FIGURELOST);
+    if (IsAbovePawn(CapturedFigure(child.m_pParent)))
+        child.m_boardFlags |= TChessboard::FLAG_FIGURELOST;
+}
+
 /// The hook of White's moves, on the position after the move.
 inline bool IsCutAfterWhiteMove(TChessboard& child)
 {
+    NoteLostFigure(child);
     return (child.m_nHeuristics & WHITE_HOOK_MASK) && child.m_nPass == 1 &&
            IsWhiteMoveDoubtful(child);
 }

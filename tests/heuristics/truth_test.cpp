@@ -1,5 +1,5 @@
 #include "chess/fen.h"
-#include "chess/notation.h"
+#include "heuristics/differential.h"
 #include "heuristics/positionanalysis.h"
 #include "heuristics/relaxplan.h"
 #include "heuristics/setreader.h"
@@ -56,59 +56,6 @@ constexpr const char* g_aForms[] = {
     "SH_FINDFORCEDMATE(#1-Preliminary)",
 };
 
-struct TRunOf
-{
-    std::vector<std::string> m_vecSolutions;
-    std::vector<TPassReport> m_vecPasses;
-    std::array<std::uint64_t, 32> m_anCuts{};
-    bool m_bDoubtful = false;
-};
-
-/// All solutions, by way of the set; "none" is the yardstick.
-TRunOf SolveWith(const TChessboard& board, int nMate, const std::string& strSet, int nThreads = 1,
-                 bool bRunPass2 = true)
-{
-    TSolveRequest request;
-    *request.m_pChessboard = board;
-    request.SetMateIn(nMate);
-    ReadHeuristicsText(strSet, request.m_heuristicSet, &board);
-    request.m_heuristicSet.m_params.m_bRunPass2 = bRunPass2;
-    request.m_nMinRegisterPlies = 0;
-    TRunOf run;
-    request.OnPassEnd = [&](const TPassReport& report) { run.m_vecPasses.push_back(report); };
-    TRunSettings settings;
-    settings.m_nThreads = nThreads;
-    settings.m_bQuickMode = nMate % 2 == 0;
-    run.m_vecSolutions = SortedTexts(Solve(request, settings).m_vecSolutions);
-    run.m_anCuts = request.m_anCuts;
-    run.m_bDoubtful = request.m_bDoubtful;
-    return run;
-}
-
-struct TTask
-{
-    TChessboard m_board;
-    int m_nMate;
-    std::vector<std::string> m_vecSolutions;
-};
-
-std::vector<TTask> RandomTasks(unsigned nSeed, std::initializer_list<int> anTasksByMate)
-{
-    std::mt19937 random(nSeed);
-    std::vector<TTask> vecTasks;
-    int nMate = 1;
-    for (const int nTasks : anTasksByMate) {
-        ++nMate;
-        for (int i = 0; i < nTasks; ++i) {
-            TTask task{
-                i % 4 ? ComposedPosition(random) : RandomPosition(random, 4 + i % 8), nMate, {}};
-            task.m_vecSolutions = SolveWith(task.m_board, nMate, "none").m_vecSolutions;
-            vecTasks.push_back(task);
-        }
-    }
-    return vecTasks;
-}
-
 /// Those of the data folder, if there is one, that are soon solved.
 void AddDataTasks(std::vector<TTask>& vecTasks)
 {
@@ -124,11 +71,6 @@ void AddDataTasks(std::vector<TTask>& vecTasks)
         EXPECT_EQ(task.m_vecSolutions.size(), answered.m_vecKeys.size());
         vecTasks.push_back(task);
     }
-}
-
-std::string Describe(const TTask& task, const std::string& strSet)
-{
-    return WriteFen(task.m_board, true) + " #" + std::to_string(task.m_nMate) + " with " + strSet;
 }
 
 TEST(HeuristicsTruth, EachFormCutsAndChangesNoSolution)

@@ -1,0 +1,59 @@
+#include "heuristics/differential.h"
+
+#include "chess/fen.h"
+#include "chess/notation.h"
+#include "heuristics/setreader.h"
+#include "search/solve.h"
+#include "support/data.h"
+#include "support/positions.h"
+#include "support/slowchess.h"
+
+namespace corvina
+{
+
+TRunOf SolveWith(const TChessboard& board, int nMate, const std::string& strSet, int nThreads,
+                 bool bRunPass2)
+{
+    TSolveRequest request;
+    *request.m_pChessboard = board;
+    request.SetMateIn(nMate);
+    ReadHeuristicsText(strSet, request.m_heuristicSet, &board);
+    request.m_heuristicSet.m_params.m_bRunPass2 = bRunPass2;
+    request.m_nMinRegisterPlies = 0;
+    TRunOf run;
+    request.OnPassEnd = [&](const TPassReport& report) { run.m_vecPasses.push_back(report); };
+    TRunSettings settings;
+    settings.m_nThreads = nThreads;
+    settings.m_bQuickMode = nMate % 2 == 0;
+    run.m_vecSolutions = SortedTexts(Solve(request, settings).m_vecSolutions);
+    run.m_anCuts = request.m_anCuts;
+    run.m_bDoubtful = request.m_bDoubtful;
+    return run;
+}
+
+TTask MakeTask(const TChessboard& board, int nMate)
+{
+    return {board, nMate, SolveWith(board, nMate, "none").m_vecSolutions};
+}
+
+std::vector<TTask> RandomTasks(unsigned nSeed, std::initializer_list<int> anTasksByMate)
+{
+    std::mt19937 random(nSeed);
+    std::vector<TTask> vecTasks;
+    int nMate = 1;
+    for (const int nTasks : anTasksByMate) {
+        ++nMate;
+        for (int i = 0; i < nTasks; ++i) {
+            vecTasks.push_back(MakeTask(
+                i % 4 ? ComposedPosition(random) : RandomPosition(random, 4 + i % 8), nMate));
+        }
+    }
+    return vecTasks;
+}
+
+std::string Describe(const TTask& task, const std::string& strSet)
+{
+    return WriteFen(task.m_board, true) + " #" + std::to_string(task.m_nMate) + " with " + strSet;
+}
+
+} // namespace corvina
