@@ -40,8 +40,9 @@ bool LivesFromPromotion(const TAnalysis& a)
 {
     constexpr int NEAR = 3, FEW_PAWNS = 2;
     const TChessboard& b = a.m_board;
-    return CountMajorsWithin(b, NEAR) == 1 && HasPawnOnSeventhRow(b) &&
-           b.m_nWhitePawns <= FEW_PAWNS && a.m_facts.m_nWhiteMaterial < a.m_facts.m_nBlackMaterial;
+    return a.m_facts.m_nWhiteMajors == 1 && CountMajorsWithin(b, NEAR) == 1 &&
+           HasPawnOnSeventhRow(b) && b.m_nWhitePawns <= FEW_PAWNS &&
+           a.m_facts.m_nWhiteMaterial < a.m_facts.m_nBlackMaterial;
 }
 
 void ProtectPromotion(TAnalysis& a)

@@ -66,12 +66,8 @@ EVerdict TestSweepingRook(TBlackMove& move);
 /// SH_ONECOLORPLAYPOSSIBLE: White can't go on with squares of one colour.
 EVerdict TestOneColourPlay(TBlackMove& move);
 
-/// White's material can't mate in the moves left. Names its code by the reason that it returns
-/// through pCode.
-inline EVerdict TestImpossibility(TBlackMove&, std::uint32_t*)
-{
-    return EVerdict::Passes;
-}
+/// White's material can't mate in the moves left. *pReason: the code (impossibility.h).
+EVerdict TestImpossibility(TBlackMove& move, std::uint32_t* pReason);
 
 // After White's move: true for doubtful.
 

@@ -58,6 +58,14 @@ void CheckMiddlingNumber(TAnalysis& a)
         a.SetFlag(TChessboard::POSITION_PAWNPLAY);
 }
 
+/// Most of Black's figures are shut in: that is what the problem is about, and not a figure that
+/// has yet to be developed.
+bool IsBlackShutIn(const TPositionFacts& f, TSquareSet blocked)
+{
+    constexpr int MIN_BLOCKED = 2, MAX_MOVABLE = 1;
+    return std::popcount(blocked) >= MIN_BLOCKED && f.m_nMovableFigures <= MAX_MOVABLE;
+}
+
 /// A list of blocked figures comes into the set when White is too weak to take them.
 void ChooseBlockedFigures(TAnalysis& a)
 {
@@ -66,7 +74,7 @@ void ChooseBlockedFigures(TAnalysis& a)
     const bool bWeak =
         f.m_nWhiteMajors < MANY_MAJORS || 2 * f.m_nWhiteMaterial / 3 < f.m_nBlackMaterial;
     TSquareSet figures = FindBlockedFigures(a.m_board).Figures();
-    if (a.m_board.m_nMoves < MIN_PLIES || !bWeak || !figures)
+    if (a.m_board.m_nMoves < MIN_PLIES || !bWeak || !IsBlackShutIn(f, figures))
         return;
     a.Set(SH_DONTLETFIGUREUNBLOCK);
     THeuristicsParams& p = a.m_params;
