@@ -1,5 +1,6 @@
 #include "chess/fen.h"
 #include "heuristics/heuristicbits.h"
+#include "heuristics/impossibility.h"
 #include "heuristics/kingsurroundings.h"
 #include "heuristics/kingtailored.h"
 #include "search/hooks.h"
@@ -103,6 +104,19 @@ struct TState
     bool operator==(const TState&) const = default;
 };
 
+/// What the heuristics of the hook answer; that White's material can't mate at all is another
+/// matter.
+int AskHeuristics(TChessboard& board, TMove* pMove)
+{
+    const int nAnswer = IsBlackMoveDoubtful(board, pMove);
+    std::uint32_t& nReason = ContextOf(board).m_nDoubtReason;
+    if (nAnswer <= 0 || static_cast<std::int32_t>(nReason) > IMPOSSIBLE_ROOK_OR_PAWNS ||
+        static_cast<std::int32_t>(nReason) < DOUBTFUL_QUEENS)
+        return nAnswer;
+    nReason = 0;
+    return HOOK_PASSES;
+}
+
 int AskBlackHook(THookLine& line, TMove* pMove = nullptr)
 {
     for (std::size_t i = 0; i < line.m_context.m_anRepeatDepth.size(); ++i)
@@ -112,7 +126,7 @@ int AskBlackHook(THookLine& line, TMove* pMove = nullptr)
     line.m_context.m_shAdditionalMoves = 0;
     const std::uint64_t nCuts = line.Cuts();
     const TState before(line);
-    const int nAnswer = IsBlackMoveDoubtful(*line.m_pLast, pMove);
+    const int nAnswer = AskHeuristics(*line.m_pLast, pMove);
     EXPECT_EQ(TState(line), before) << "the record or the context has changed";
     EXPECT_EQ(line.Cuts(), nCuts + (nAnswer > 0));
     return nAnswer;
@@ -355,7 +369,7 @@ TEST(KingHooks, CornersReachAsFarAsTold)
             child.m_blackKingRow = static_cast<std::int8_t>(RowOf(square));
             --child.m_nMoves;
             line.m_context.m_nCornerDistance = static_cast<std::int8_t>(test.m_nDistance);
-            if (IsBlackMoveDoubtful(child, nullptr) == HOOK_PASSES)
+            if (AskHeuristics(child, nullptr) == HOOK_PASSES)
                 strAccepted += std::string() + static_cast<char>('a' + FileOf(square)) +
                                static_cast<char>('1' + RowOf(square)) + ' ';
         }
