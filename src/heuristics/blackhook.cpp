@@ -107,7 +107,7 @@ int Conclude(const TBlackMove& move, const TReasonedVerdict& result)
     move.m_context.m_nDoubtReason = result.m_nReason;
     if (std::has_single_bit(result.m_nReason))
         ++move.m_context.m_anCuts[static_cast<std::size_t>(std::countr_zero(result.m_nReason))];
-    return result.m_verdict == EVerdict::Doubtful ? HOOK_DOUBTFUL : HOOK_DOUBTFUL_AT_ONCE;
+    return result.m_verdict == EVerdict::Doubtful ? HOOK_DOUBTFUL : HOOK_IMPOSSIBLE;
 }
 
 } // namespace

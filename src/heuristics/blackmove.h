@@ -14,8 +14,8 @@ enum class EVerdict
 {
     Passes,
     Doubtful,
-    DoubtfulAtOnce, ///< White can't parry a check, or a mate is impossible
-    EndsHook        ///< the move isn't doubtful, whatever the later blocks would say
+    Impossible, ///< certain: no mate in the moves left
+    EndsHook    ///< the move isn't doubtful, whatever the later blocks would say
 };
 
 /// A move of Black under test: what the blocks of the hook see of it.

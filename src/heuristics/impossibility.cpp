@@ -37,7 +37,8 @@ public:
     {
         return BlackFigures(m_board) != 0 ||
                AnyOf(TSets::Equal(m_board.m_board, BLACK_PAWN), [&](TSquare pawn) {
-                   return RowOf(pawn) < m_nMoves || Distance(pawn, King()) <= m_nMoves + 1;
+                   return RowOf(pawn) - (RowOf(pawn) == 6) < m_nMoves ||
+                          Distance(pawn, King()) <= m_nMoves + 1;
                });
     }
 
@@ -53,8 +54,8 @@ public:
 
     bool IsWhiteAlone() const { return HelpingPawns() == 0 && !CanPawnPromote(); }
 
-    /// The kings can stand two squares apart at the mate.
-    bool CanKingsMeet() const { return KingDistance(m_board) <= 2 * m_nMoves + 1; }
+    /// The kings can stand two squares apart at the mate. White's may castle.
+    bool CanKingsMeet() const { return KingDistance(m_board) <= 2 * m_nMoves + 2; }
 
     /// The Black king can stand on the edge at the mate.
     bool CanKingReachEdge() const { return m_board.BlackKingRing() < m_nMoves; }
@@ -180,7 +181,7 @@ EVerdict TestImpossibility(TBlackMove& move, std::uint32_t* pReason)
     if (impossibility == POSSIBLE)
         return EVerdict::Passes;
     *pReason = static_cast<std::uint32_t>(impossibility);
-    return IsProof(impossibility) ? EVerdict::DoubtfulAtOnce : EVerdict::Doubtful;
+    return IsProof(impossibility) ? EVerdict::Impossible : EVerdict::Doubtful;
 }
 
 } // namespace corvina

@@ -157,8 +157,11 @@ private:
             return RESULT_MATE;
         m_bHasReply = true;
         ++m_context.m_nPositions;
-        if (TKind::VerifiesHeuristics(child) && IsCutAfterBlackMove(child, move))
-            return RESULT_DOUBTFUL;
+        if (TKind::VerifiesHeuristics(child)) {
+            const TSearchResult nResult = ResultOfBlackHook(child, move);
+            if (nResult != RESULT_MATE)
+                return nResult;
+        }
         if (!m_bProbed && UsesRegister(child)) {
             if (const auto known = ProbeRegister(child))
                 return *known;

@@ -233,8 +233,9 @@ private:
             if (!child.MakeBlackMove(&pMoves[i], true))
                 continue;
             // A reply that breaks a heuristic decides the node without a search of those before it.
-            const int nAnswer =
-                IsCutAfterBlackMove(child, pMoves[i]) ? QUICK_DOUBTFUL : QuickRefutation(child);
+            int nAnswer = QuickAnswerOf(ResultOfBlackHook(child, pMoves[i]));
+            if (nAnswer == QUICK_UNKNOWN)
+                nAnswer = QuickRefutation(child);
             if (nAnswer == QUICK_UNKNOWN)
                 continue;
             // A search of the hook that was given up is no answer.

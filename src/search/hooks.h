@@ -16,8 +16,8 @@ namespace corvina
 /// Answers of IsBlackMoveDoubtful.
 constexpr int HOOK_PASSES = 0;
 constexpr int HOOK_DOUBTFUL = 1;
-constexpr int HOOK_DOUBTFUL_AT_ONCE = 2; ///< White can't parry a check, or a mate is impossible
-constexpr int HOOK_UNDECIDED = -1;       ///< no cut, but a bounded mate test gave up
+constexpr int HOOK_IMPOSSIBLE = 2; ///< certain: White's material can't mate in the moves left
+constexpr int HOOK_UNDECIDED = -1; ///< no cut, but a bounded mate test gave up
 
 /// Has Black's last move broken a heuristic of the mask? pMove is its entry of the move list or
 /// null; a violation that may stay for a while puts TMove::MARK on it. Sets m_nDoubtReason. In pass

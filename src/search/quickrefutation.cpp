@@ -163,7 +163,7 @@ int SearchQuickBlack(TChessboard& board, int nBudget)
             continue;
         bHasReply = true;
         ++context.m_nPositions;
-        int nAnswer = IsCutAfterBlackMove(child, moves[i]) ? QUICK_DOUBTFUL : QUICK_UNKNOWN;
+        int nAnswer = QuickAnswerOf(ResultOfBlackHook(child, moves[i]));
         if (nAnswer == QUICK_UNKNOWN)
             nAnswer = AnswerOfNode(board, TQuickWhite(child).Search(nBudget - 1));
         if (nAnswer != QUICK_UNKNOWN) {

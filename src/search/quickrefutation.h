@@ -2,6 +2,7 @@
 #define CORVINA_SEARCH_QUICKREFUTATION_H
 
 #include "chess/chessboard.h"
+#include "search/result.h"
 
 namespace corvina
 {
@@ -16,6 +17,14 @@ constexpr int QUICK_UNKNOWN = 0;
 constexpr int QUICK_DOUBTFUL = 1;   ///< the reply refutes as far as the heuristics are right
 constexpr int QUICK_NO_MATE = 2;    ///< certain
 constexpr int QUICK_REPETITION = 3; ///< leans on a position further up; m_anRepeatDepth tells which
+
+/// The answer for a result of a reply: RESULT_MATE shows nothing.
+constexpr int QuickAnswerOf(TSearchResult nResult)
+{
+    return nResult == RESULT_MATE      ? QUICK_UNKNOWN
+           : nResult == RESULT_NO_MATE ? QUICK_NO_MATE
+                                       : QUICK_DOUBTFUL;
+}
 
 /// With a depth that suits the position. QUICK_UNKNOWN where it isn't worth the time: White mates
 /// in one, the task is short, few half-moves are left, or another short search is open.

@@ -1,3 +1,4 @@
+#include "heuristics/keyfigure.h"
 #include "search/fallback.h"
 #include "search/nodes.h"
 #include "search/ordering.h"
@@ -29,22 +30,25 @@ class TAllMoves
 public:
     int ListMoves(TChessboard& board, TMove* pMoves)
     {
-        const int nMoves = board.GenerateWhiteMoves(pMoves);
+        int nMoves = ListKeyFigureMoves(board, pMoves);
+        m_bOnlyKeyFigure = nMoves != 0;
+        if (nMoves == 0)
+            nMoves = board.GenerateWhiteMoves(pMoves);
         if (board.m_nMoves < MIN_SORTED_DEPTH)
             return nMoves;
         return IsFullySorted(board) ? SortWhiteMoves(board, pMoves, nMoves, &m_nLeftOut)
                                     : SortWhiteMovesCheap(board, pMoves, nMoves);
     }
 
-    /// None; but those that the sort has left out make the node doubtful.
+    /// None; but those that have been left out make the node doubtful.
     int ListMoreMoves(TChessboard& board, TMove*, int, int* pnDoubtful)
     {
-        if (m_nLeftOut == 0)
+        if (m_nLeftOut == 0 && !m_bOnlyKeyFigure)
             return 0;
-        *pnDoubtful += m_nLeftOut;
+        *pnDoubtful += m_nLeftOut + m_bOnlyKeyFigure;
         TThreadContext& context = ContextOf(board);
-        context.m_nDoubtReason = SH_SKIPWORSTWHITEMOVES;
-        ++context.m_anCuts[std::countr_zero(SH_SKIPWORSTWHITEMOVES)];
+        context.m_nDoubtReason = m_bOnlyKeyFigure ? SH_KEYWHITEFIGURE : SH_SKIPWORSTWHITEMOVES;
+        ++context.m_anCuts[std::countr_zero(context.m_nDoubtReason)];
         return 0;
     }
 
@@ -66,7 +70,18 @@ public:
     }
 
 private:
-    int m_nLeftOut = 0; ///< moves that the sort has cut off
+    /// What White waits with while his pinning figure holds Black, where the set asks for it; else
+    /// none.
+    static int ListKeyFigureMoves(const TChessboard& board, TMove* pMoves)
+    {
+        constexpr int MIN_DEPTH = 8;
+        const bool bAsked = (board.m_nHeuristics & SH_KEYWHITEFIGURE) && board.m_nPass == 1 &&
+                            board.m_nMoves >= MIN_DEPTH && board.m_whiteChecker == NO_CHECK;
+        return bAsked ? GetKeyFigureMove(board, pMoves) : 0;
+    }
+
+    int m_nLeftOut = 0;            ///< moves that the sort has cut off
+    bool m_bOnlyKeyFigure = false; ///< the others have been left out
 };
 
 } // namespace

@@ -238,7 +238,7 @@ TEST(MaterialTruth, EachFormCutsAndChangesNoSolution)
     for (const TForm& form : g_aForms) {
         int nCutting = 0, nSolved = 0;
         for (int i = 0; i < TASKS || (i < MAX_TASKS && nCutting < MIN_POSITIONS); ++i) {
-            const int nMate = i % 20 ? 2 + i % 2 : 4;
+            const int nMate = i % 20 ? 2 + i % 2 : 4 + i % 40 / 20;
             const TTask task = MakeTask(themed.Make(i % 8 ? form.m_theme : ETheme::Any), nMate);
             const std::string strSet = SetFor(form, task.m_board, random);
             if (strSet.empty())
