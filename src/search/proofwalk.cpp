@@ -4,6 +4,8 @@
 #include "search/registeraccess.h"
 #include "search/shortmate.h"
 
+#include <algorithm>
+
 namespace corvina
 {
 
@@ -12,53 +14,62 @@ bool IsExactMate(TChessboard& board)
     return board.m_nMoves == EXACT_PLIES ? IsMateInTwo(board, false) : IsMateInOne(board);
 }
 
-bool TProofWalk::HoldsAtWhite(TChessboard& board)
+int TProofWalk::MateAtWhite(TChessboard& board)
 {
     if (IsExactMate(board))
-        return true;
+        return board.m_nMoves == EXACT_PLIES ? EXACT_PLIES : 1;
     if (board.m_nMoves <= EXACT_PLIES)
-        return false;
-    if (m_proved.Has(board))
-        return true;
+        return NO_MATE;
+    if (const int nKnown = m_proved.Find(board))
+        return nKnown;
     const int nIndex = MatingMove(board);
-    if (nIndex != SHORT_MATE ? !HoldsAfter(board, nIndex) : !IsMateInTwo(board, false))
-        return false;
-    m_proved.Add(board);
+    int nMate = NO_MATE;
+    if (nIndex != SHORT_MATE)
+        nMate = MateAfter(board, nIndex);
+    else if (IsMateInTwo(board, false))
+        nMate = EXACT_PLIES;
+    if (nMate == NO_MATE)
+        return NO_MATE;
+    m_proved.Add(board, nMate);
     if (m_bRegister && IsRegisterable(board))
-        StoreCertain(board, board.m_nMoves, true);
-    return true;
+        StoreCertain(board, static_cast<std::uint16_t>(nMate), true);
+    return nMate;
 }
 
-bool TProofWalk::HoldsAfter(TChessboard& board, int nIndex)
+int TProofWalk::MateAfter(TChessboard& board, int nIndex)
 {
     TMoveList moves;
     if (nIndex < 0 || nIndex >= board.GenerateWhiteMoves(moves.data()))
-        return false;
+        return NO_MATE;
     TChessboard& child = m_context.MakeChild(board);
-    return child.MakeWhiteMove(&moves[nIndex]) && HoldsAtBlack(child);
+    const int nMate = child.MakeWhiteMove(&moves[nIndex]) ? MateAtBlack(child) : NO_MATE;
+    return nMate == NO_MATE ? NO_MATE : nMate + 1;
 }
 
-bool TProofWalk::HoldsAtBlack(TChessboard& board)
+int TProofWalk::MateAtBlack(TChessboard& board)
 {
     TMoveList moves;
     const int nMoves = board.GenerateBlackMoves(moves.data());
-    bool bHasReply = false;
+    int nLongest = NO_MATE;
     for (int i = 0; i < nMoves; ++i) {
         TChessboard& child = m_context.MakeChild(board);
         if (!child.MakeBlackMove(&moves[i]))
             continue;
         ++m_context.m_nPositions;
-        bHasReply = true;
-        if (m_request.IsStopped(m_context.m_nThreadId) || !HoldsAtWhite(child))
-            return false;
+        const int nMate = m_request.IsStopped(m_context.m_nThreadId) ? NO_MATE : MateAtWhite(child);
+        if (nMate == NO_MATE)
+            return NO_MATE;
+        nLongest = std::max(nLongest, nMate + 1);
     }
-    return bHasReply || board.m_blackChecker != NO_CHECK;
+    if (nLongest != NO_MATE)
+        return nLongest;
+    return board.m_blackChecker != NO_CHECK ? 0 : NO_MATE;
 }
 
 std::optional<TMove> TProofWalk::Walk(TChessboard& root)
 {
     const int nIndex = MatingMove(root);
-    if (!HoldsAfter(root, nIndex))
+    if (MateAfter(root, nIndex) == NO_MATE)
         return std::nullopt;
     TMoveList moves;
     root.GenerateWhiteMoves(moves.data());

@@ -43,9 +43,11 @@ public:
     std::optional<TMove> Walk(TChessboard& root);
 
 private:
-    bool HoldsAtWhite(TChessboard& board);
-    bool HoldsAfter(TChessboard& board, int nIndex);
-    bool HoldsAtBlack(TChessboard& board);
+    // Half-moves to the mate; NO_MATE when the proof doesn't hold.
+    static constexpr int NO_MATE = -1;
+    int MateAtWhite(TChessboard& board);
+    int MateAfter(TChessboard& board, int nIndex);
+    int MateAtBlack(TChessboard& board);
 
     TSolveRequest& m_request;
     TThreadContext& m_context;

@@ -17,22 +17,23 @@ namespace corvina
 class TProvedPositions
 {
 public:
-    bool Has(const TChessboard& board) const
+    /// Half-moves to the mate, no more than the position has left; 0: it isn't known to hold.
+    int Find(const TChessboard& board) const
     {
         if (!IsRegisterable(board))
-            return false;
+            return 0;
         const auto proved = m_mapProved.find(TPositionKey::Of(board.m_board));
-        return proved != m_mapProved.end() && proved->second <= board.m_nMoves;
+        return proved != m_mapProved.end() && proved->second <= board.m_nMoves ? proved->second : 0;
     }
 
     /// True when the position is a new one.
-    bool Add(const TChessboard& board)
+    bool Add(const TChessboard& board, int nPlies)
     {
         if (!IsRegisterable(board))
             return true;
-        const auto [place, bNew] =
-            m_mapProved.try_emplace(TPositionKey::Of(board.m_board), board.m_nMoves);
-        place->second = std::min(place->second, board.m_nMoves);
+        const auto nMate = static_cast<std::uint16_t>(nPlies);
+        const auto [place, bNew] = m_mapProved.try_emplace(TPositionKey::Of(board.m_board), nMate);
+        place->second = std::min(place->second, nMate);
         return bNew;
     }
 

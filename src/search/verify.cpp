@@ -72,7 +72,7 @@ public:
         m_vecLine.push_back(key);
         TChessboard child = m_root;
         child.m_pParent = &m_root;
-        m_verification.m_bHolds = child.MakeWhiteMove(&key) && HoldsAgainstAll(child);
+        m_verification.m_bHolds = child.MakeWhiteMove(&key) && MateAgainstAll(child) != NO_MATE;
         m_verification.m_bStopped = !m_verification.m_bHolds && IsStopped();
         if (!m_verification.m_bHolds && !m_verification.m_bStopped)
             m_verification.m_vecRefutation = m_vecRefutation.empty() ? m_vecLine : m_vecRefutation;
@@ -82,66 +82,71 @@ public:
 private:
     bool IsStopped() const { return m_request.IsStoppedForAll(); }
 
-    /// Black to move: White mates after every reply, or has mated.
-    bool HoldsAgainstAll(TChessboard& board)
+    static constexpr int NO_MATE = -1;
+
+    /// Black to move: White mates after every reply, or has mated. Half-moves to the mate, or
+    /// NO_MATE.
+    int MateAgainstAll(TChessboard& board)
     {
         bool bHasReply = false;
+        int nLongest = 0;
         const bool bAll =
             HoldsForEachReply(board, &bHasReply, [&](TChessboard& child, const TMove& move) {
                 // A reply is left when no half-move is: no mate.
                 if (board.m_nMoves == 0)
                     return false;
                 m_vecLine.push_back(move);
-                const bool bHolds = HoldsAtWhite(child);
-                if (!bHolds && m_vecRefutation.empty())
+                const int nMate = MateAtWhite(child);
+                if (nMate == NO_MATE && m_vecRefutation.empty())
                     m_vecRefutation = m_vecLine;
                 m_vecLine.pop_back();
-                return bHolds;
+                nLongest = std::max(nLongest, nMate + 1);
+                return nMate != NO_MATE;
             });
         if (!bAll)
-            return false;
+            return NO_MATE;
         const bool bMate = !bHasReply && board.m_blackChecker != NO_CHECK;
         m_verification.m_nMates += bMate;
-        return bHasReply || bMate;
+        return bHasReply || bMate ? nLongest : NO_MATE;
     }
 
-    bool HoldsAtWhite(TChessboard& board)
+    int MateAtWhite(TChessboard& board)
     {
         if (IsStopped())
-            return false;
-        if (m_proved.Has(board))
-            return true;
-        if (!HasContinuation(board))
-            return false;
+            return NO_MATE;
+        if (const int nKnown = m_proved.Find(board))
+            return nKnown;
+        const int nMate = Continue(board);
+        if (nMate == NO_MATE)
+            return NO_MATE;
         m_vecRefutation.clear(); // of a move that another one replaces
-        m_verification.m_nPositions += m_proved.Add(board);
-        return true;
+        m_verification.m_nPositions += m_proved.Add(board, nMate);
+        return nMate;
     }
 
-    /// Is there a move of White behind which the proof goes on? Those that the register suggests
+    /// Looks for a move of White behind which the proof goes on. Those that the register suggests
     /// are walked first; then the engine searches the position, which fills the register, and at
     /// last each move.
-    bool HasContinuation(TChessboard& board)
+    int Continue(TChessboard& board)
     {
         TMoveList moves;
         TChessboard asked = board;
         const int nMoves =
             SortWhiteMovesCheap(asked, moves.data(), board.GenerateWhiteMoves(moves.data()));
-        if (AnyMove(board, moves.data(), nMoves,
-                    [&](TChessboard& child) { return IsKnown(child); }))
-            return true;
-        if (IsStopped() || board.m_nMoves == 1 || !IsMateBySearch(board))
-            return false;
-        if (AnyMove(board, moves.data(), nMoves,
-                    [&](TChessboard& child) { return IsKnown(child); }))
-            return true;
-        return AnyMove(board, moves.data(), nMoves, [&](TChessboard& child) {
+        const auto isKnown = [&](TChessboard& child) { return IsKnown(child); };
+        int nMate = MateByMove(board, moves.data(), nMoves, isKnown);
+        if (nMate != NO_MATE || IsStopped() || board.m_nMoves == 1 || !IsMateBySearch(board))
+            return nMate;
+        nMate = MateByMove(board, moves.data(), nMoves, isKnown);
+        if (nMate != NO_MATE)
+            return nMate;
+        return MateByMove(board, moves.data(), nMoves, [&](TChessboard& child) {
             return SearchBlack<NODE_MAIN>(child) == RESULT_MATE;
         });
     }
 
     template <class TSuggests>
-    bool AnyMove(TChessboard& board, const TMove* pMoves, int nMoves, TSuggests suggests)
+    int MateByMove(TChessboard& board, const TMove* pMoves, int nMoves, TSuggests suggests)
     {
         for (int i = 0; i < nMoves && !IsStopped(); ++i) {
             TMove move = pMoves[i];
@@ -150,12 +155,12 @@ private:
             if (!child.MakeWhiteMove(&move) || !suggests(child))
                 continue;
             m_vecLine.push_back(move);
-            const bool bHolds = HoldsAgainstAll(child);
+            const int nMate = MateAgainstAll(child);
             m_vecLine.pop_back();
-            if (bHolds)
-                return true;
+            if (nMate != NO_MATE)
+                return nMate + 1;
         }
-        return false;
+        return NO_MATE;
     }
 
     /// The move has mated, or the register knows a mate after each reply.

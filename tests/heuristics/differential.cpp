@@ -14,11 +14,18 @@ namespace corvina
 TRunOf SolveWith(const TChessboard& board, int nMate, const std::string& strSet, int nThreads,
                  bool bRunPass2)
 {
+    THeuristicSet set;
+    ReadHeuristicsText(strSet, set, &board);
+    set.m_params.m_bRunPass2 = bRunPass2;
+    return SolveWith(board, nMate, set, nThreads);
+}
+
+TRunOf SolveWith(const TChessboard& board, int nMate, const THeuristicSet& set, int nThreads)
+{
     TSolveRequest request;
     *request.m_pChessboard = board;
     request.SetMateIn(nMate);
-    ReadHeuristicsText(strSet, request.m_heuristicSet, &board);
-    request.m_heuristicSet.m_params.m_bRunPass2 = bRunPass2;
+    request.m_heuristicSet = set;
     request.m_nMinRegisterPlies = 0;
     TRunOf run;
     request.OnPassEnd = [&](const TPassReport& report) { run.m_vecPasses.push_back(report); };

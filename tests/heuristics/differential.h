@@ -25,6 +25,7 @@ struct TRunOf
 /// All solutions, by way of the set; "none" is the yardstick.
 TRunOf SolveWith(const TChessboard& board, int nMate, const std::string& strSet, int nThreads = 1,
                  bool bRunPass2 = true);
+TRunOf SolveWith(const TChessboard& board, int nMate, const THeuristicSet& set, int nThreads = 1);
 
 struct TTask
 {

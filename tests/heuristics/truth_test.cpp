@@ -126,6 +126,54 @@ TEST(HeuristicsTruth, RandomSetsChangeNoSolution)
     }
 }
 
+/// The forced mate search in a form that no text tells: from any level on, with so many raises,
+/// with the other heuristics always, never or near the end, the cycle twice, a run with the edge
+/// first.
+THeuristicSet RandomForcedMateSet(std::mt19937& random)
+{
+    constexpr std::uint32_t aOthers[] = {0, SH_KEEPKINGONTHEEDGE, SH_ASSERTBLACKKINGSURROUNDED,
+                                         SH_AREKINGSNEAR | SH_KEEPKINGWITHINEXTEDGE};
+    constexpr std::int8_t aWithOther[] = {FFM_OTHERS_APPLY, FFM_OTHERS_OFF,
+                                          FFM_OTHERS_NEAR_THE_END};
+    THeuristicSet set;
+    THeuristicsParams& p = set.m_params;
+    set.m_nHeuristics = SH_FINDFORCEDMATE | aOthers[random() % std::size(aOthers)];
+    p.m_bKingMustNotMove = random() % 2;
+    p.m_nFfmLevel = p.m_nFfmFirstLevel =
+        static_cast<std::uint8_t>(FFM_CHECK_ONLY + random() % (FFM_THREAT_5 - FFM_CHECK_ONLY + 1));
+    p.m_nFfmRelaxations = static_cast<std::uint8_t>(random() % (FFM_THREAT_5 - p.m_nFfmLevel + 1));
+    p.m_bFfmAddCaptures = random() % 2;
+    p.m_nFfmWithOther = aWithOther[random() % std::size(aWithOther)];
+    p.m_bFfmCustom = random() % 3 == 0;
+    p.m_nFfmCustomRelaxations = static_cast<std::uint8_t>(random() % 2);
+    if (random() % 3 == 0) {
+        p.m_bFfmPreliminary = true;
+        p.m_savedFfmMask = set.m_nHeuristics;
+        set.m_nHeuristics |= SH_KEEPKINGONTHEEDGE;
+    }
+    return set;
+}
+
+TEST(HeuristicsTruth, ForcedMateInEveryFormChangesNoSolution)
+{
+    std::mt19937 random(14);
+    std::array<int, FFM_THREAT_5 + 1> anRuns{};
+    std::size_t nMostPasses = 0;
+    for (const TTask& task : RandomTasks(8, {200, 150, 15})) {
+        for (int i = 0; i < 3; ++i) {
+            const THeuristicSet set = RandomForcedMateSet(random);
+            const TRunOf run = SolveWith(task.m_board, task.m_nMate, set, 1 + i % 2);
+            ASSERT_EQ(run.m_vecSolutions, task.m_vecSolutions)
+                << Describe(task, "level " + std::to_string(set.m_params.m_nFfmLevel));
+            ++anRuns[set.m_params.m_nFfmLevel];
+            nMostPasses = std::max(nMostPasses, run.m_vecPasses.size());
+        }
+    }
+    for (int nLevel = FFM_CHECK_ONLY; nLevel <= FFM_THREAT_5; ++nLevel)
+        EXPECT_GT(anRuns[nLevel], 50) << nLevel;
+    EXPECT_GT(nMostPasses, 8u);
+}
+
 /// What the program itself chooses for the task, were it a longer one.
 std::string ChosenSet(const TChessboard& board)
 {
