@@ -133,8 +133,11 @@ private:
         TChessboard asked = board;
         const int nMoves =
             SortWhiteMovesCheap(asked, moves.data(), board.GenerateWhiteMoves(moves.data()));
-        const auto isKnown = [&](TChessboard& child) { return IsKnown(child); };
-        int nMate = MateByMove(board, moves.data(), nMoves, isKnown);
+        const auto isSeen = [&](TChessboard& child) { return IsKnown(child, false); };
+        const auto isKnown = [&](TChessboard& child) { return IsKnown(child, true); };
+        int nMate = MateByMove(board, moves.data(), nMoves, isSeen);
+        if (nMate == NO_MATE)
+            nMate = MateByMove(board, moves.data(), nMoves, isKnown);
         if (nMate != NO_MATE || IsStopped() || board.m_nMoves == 1 || !IsMateBySearch(board))
             return nMate;
         nMate = MateByMove(board, moves.data(), nMoves, isKnown);
@@ -163,23 +166,19 @@ private:
         return NO_MATE;
     }
 
-    /// The move has mated, or the register knows a mate after each reply.
-    bool IsKnown(TChessboard& board)
+    /// The move has mated, or the register knows a mate after each reply, or it is one move long;
+    /// bInTwo: or two.
+    bool IsKnown(TChessboard& board, bool bInTwo)
     {
         if (board.m_nMoves == 0)
             return board.m_blackChecker != NO_CHECK && !board.CanBlackEscapeCheck();
         bool bHasReply = false;
         const bool bAll =
             HoldsForEachReply(board, &bHasReply, [&](TChessboard& child, const TMove&) {
-                return IsShortMate(child) || (child.m_nMoves > 3 && IsMateByRegister(child));
+                return IsMateInOne(child) || (child.m_nMoves > 3 && IsMateByRegister(child)) ||
+                       (bInTwo && child.m_nMoves >= 3 && IsMateInTwo(child));
             });
         return bAll && (bHasReply || board.m_blackChecker != NO_CHECK);
-    }
-
-    /// Mates that are found sooner than looked up, and don't go to the register.
-    static bool IsShortMate(TChessboard& board)
-    {
-        return IsMateInOne(board) || (board.m_nMoves >= 3 && IsMateInTwo(board));
     }
 
     bool IsMateByRegister(TChessboard& board)
