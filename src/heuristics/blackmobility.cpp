@@ -1,48 +1,38 @@
 #include "heuristics/blackmobility.h"
 
-#include "chess/linecontext.h"
 #include "chess/sides.h"
 
 namespace corvina
 {
-namespace
+TBlackTurn::TBlackTurn(const TChessboard& board)
+    : m_line(board.m_nMoves + 1), m_before(board), m_passed(board)
 {
-
-void AddMovesOf(TSquare from, const TChessboard& board, TBlackMobility& mobility)
-{
-    TMoveList moves;
-    const int nMoves = board.GenerateBlackFigureMoves(from, moves.data());
-    const TFigure kind = board.m_board[from] & KIND_MASK;
-    for (int i = 0; i < nMoves; ++i) {
-        TChessboard child = board;
-        child.m_pParent = const_cast<TChessboard*>(&board);
-        if (!child.MakeBlackUserMove(&moves[i]))
-            continue;
-        ++mobility.m_nMoves;
-        mobility.m_nKingMoves += kind == KIND_KING;
-        mobility.m_nQueenMoves += kind == KIND_QUEEN;
-        if (kind != KIND_KING && kind != KIND_PAWN) {
-            mobility.m_figures |= Bit(from);
-            mobility.m_targets |= Bit(moves[i].m_to);
-        }
-    }
+    m_passed.m_pParent = &m_before;
+    m_passed.m_pThread = m_before.m_pThread = &m_line;
+    if (board.IsWhiteToMove())
+        m_passed.MakeWhiteNullMove();
+    m_passed.m_nMoves = 2; // Black to move, whatever is left
 }
-
-} // namespace
 
 TBlackMobility FindBlackMobility(const TChessboard& board)
 {
-    TLineContext line(board.m_nMoves + 1);
-    TChessboard before = board, passed = board;
-    passed.m_pParent = &before;
-    passed.m_pThread = before.m_pThread = &line;
-    if (board.IsWhiteToMove())
-        passed.MakeWhiteNullMove();
-    passed.m_nMoves = 2; // Black to move, whatever is left
+    TBlackTurn turn(board);
     TBlackMobility mobility;
-    TSquareSet men = TSide<EColour::Black>::Figures(passed.m_board);
-    while (men)
-        AddMovesOf(PopLowestSquare(men), passed, mobility);
+    TSquareSet men = TSide<EColour::Black>::Figures(turn.Board().m_board);
+    while (men) {
+        const TSquare from = PopLowestSquare(men);
+        const TFigure kind = turn.Board().m_board[from] & KIND_MASK;
+        turn.ForEachMove(from, [&](const TChessboard&, const TMove& move) {
+            ++mobility.m_nMoves;
+            mobility.m_nKingMoves += kind == KIND_KING;
+            mobility.m_nQueenMoves += kind == KIND_QUEEN;
+            if (kind != KIND_KING && kind != KIND_PAWN) {
+                mobility.m_figures |= Bit(from);
+                mobility.m_targets |= Bit(move.m_to);
+            }
+            return true;
+        });
+    }
     return mobility;
 }
 

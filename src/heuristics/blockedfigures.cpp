@@ -1,8 +1,8 @@
 #include "heuristics/blockedfigures.h"
 
-#include "chess/linecontext.h"
 #include "chess/sides.h"
 #include "heuristics/attacksets.h"
+#include "heuristics/blackmobility.h"
 
 namespace corvina
 {
@@ -45,17 +45,14 @@ bool IsLostOn(const TChessboard& board, int square)
     return false;
 }
 
-bool HasSafeMove(const TChessboard& passed, TSquare from)
+bool HasSafeMove(TBlackTurn& turn, TSquare from)
 {
-    TMoveList moves;
-    const int nMoves = passed.GenerateBlackFigureMoves(from, moves.data());
-    for (int i = 0; i < nMoves; ++i) {
-        TChessboard child = passed;
-        child.m_pParent = const_cast<TChessboard*>(&passed);
-        if (child.MakeBlackUserMove(&moves[i]) && !IsLostOn(child, moves[i].m_to))
-            return true;
-    }
-    return false;
+    bool bSafe = false;
+    turn.ForEachMove(from, [&](const TChessboard& child, const TMove& move) {
+        bSafe = !IsLostOn(child, move.m_to);
+        return !bSafe;
+    });
+    return bSafe;
 }
 
 TSquareSet& GroupOf(TBlockedFigures& blocked, TFigure kind)
@@ -78,19 +75,13 @@ TSquareSet& GroupOf(TBlockedFigures& blocked, TFigure kind)
 
 TBlockedFigures FindBlockedFigures(const TChessboard& board)
 {
-    TLineContext line(board.m_nMoves + 1);
-    TChessboard before = board, passed = board;
-    passed.m_pParent = &before;
-    passed.m_pThread = before.m_pThread = &line;
-    if (board.IsWhiteToMove())
-        passed.MakeWhiteNullMove();
-    passed.m_nMoves = 2; // Black to move, whatever is left
+    TBlackTurn turn(board);
     TBlockedFigures blocked;
-    TSquareSet men = B::Figures(passed.m_board) & ~Bit(passed.BlackKing());
+    TSquareSet men = B::Figures(board.m_board) & ~Bit(board.BlackKing());
     while (men) {
         const TSquare from = PopLowestSquare(men);
-        if (!HasSafeMove(passed, from))
-            GroupOf(blocked, passed.m_board[from] & KIND_MASK) |= Bit(from);
+        if (!HasSafeMove(turn, from))
+            GroupOf(blocked, board.m_board[from] & KIND_MASK) |= Bit(from);
     }
     return blocked;
 }
