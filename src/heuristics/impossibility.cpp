@@ -126,8 +126,7 @@ EImpossibility FindDoubtOfMinors(TChessboard& board, const TReach& reach)
     if (board.m_nWhiteBishops == 2 && reach.Moves() <= nRing)
         return DOUBTFUL_TWO_BISHOPS;
     if (board.m_nBlackRooks && nRing > 0) {
-        const EKingNet net = TestKingNet(board);
-        if (net == EKingNet::NotWorth || net == EKingNet::Unknown)
+        if (IsMateInNet(board) == EMateTest::No)
             return DOUBTFUL_TWO_MINORS_AGAINST_ROOK;
     }
     return POSSIBLE;

@@ -38,14 +38,8 @@ EVerdict TestUnknownFigure(TBlackMove& move)
 
 EVerdict CutUnlessNetOrMate(TBlackMove& move)
 {
-    switch (TestKingNet(move.m_board)) {
-    case EKingNet::Mate:
-        return EVerdict::EndsHook;
-    case EKingNet::Undecided:
-        return move.CutUnless(EMateTest::Undecided);
-    default:
-        return move.CutUnlessMateWithin(5);
-    }
+    const EMateTest mate = IsMateInNet(move.m_board);
+    return mate != EMateTest::No ? move.CutUnless(mate) : move.CutUnlessMateWithin(5);
 }
 
 /// A Black figure comes between the key figure and the king, where it unpins the pinned one.

@@ -191,14 +191,7 @@ EVerdict TestAfterException(TBlackMove& move)
         return mate.m_verdict;
     if (!IsNetWorthLookingFor(move))
         return EVerdict::Doubtful;
-    switch (TestKingNet(move.m_board)) {
-    case EKingNet::Mate:
-        return EVerdict::EndsHook;
-    case EKingNet::Undecided:
-        return move.CutUnless(EMateTest::Undecided);
-    default:
-        return EVerdict::Doubtful;
-    }
+    return move.CutUnless(IsMateInNet(move.m_board));
 }
 
 } // namespace

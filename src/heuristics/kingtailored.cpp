@@ -150,6 +150,18 @@ EKingNet TestKingNet(TChessboard& board)
     }
 }
 
+EMateTest IsMateInNet(TChessboard& board)
+{
+    switch (TestKingNet(board)) {
+    case EKingNet::Mate:
+        return EMateTest::Mate;
+    case EKingNet::Undecided:
+        return EMateTest::Undecided;
+    default:
+        return EMateTest::No;
+    }
+}
+
 bool IsSurroundStillTight(const TChessboard& board)
 {
     return !ReachOfTwo(board);

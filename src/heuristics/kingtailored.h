@@ -25,6 +25,9 @@ enum class EKingNet
 /// square is free.
 EKingNet TestKingNet(TChessboard& board);
 
+/// The same for a caller to whom a net that isn't worth a search is none.
+EMateTest IsMateInNet(TChessboard& board);
+
 /// What CountSurroundFree takes into account beyond the settled count.
 enum class ESurroundRule : std::uint8_t
 {

@@ -30,18 +30,6 @@ bool HasLeft(const TBlackMove& move, TSquareSet diagonal)
            OriginOf(move.m_parent, last.m_from).m_square == move.m_context.m_diagonalFigureSquare;
 }
 
-EVerdict CutUnlessNet(TBlackMove& move)
-{
-    switch (TestKingNet(move.m_board)) {
-    case EKingNet::Mate:
-        return EVerdict::EndsHook;
-    case EKingNet::Undecided:
-        return move.CutUnless(EMateTest::Undecided);
-    default:
-        return EVerdict::Doubtful;
-    }
-}
-
 } // namespace
 
 EVerdict TestMainDiagonal(TBlackMove& move)
@@ -52,7 +40,7 @@ EVerdict TestMainDiagonal(TBlackMove& move)
     const TSquareSet diagonal = DiagonalOf(move.m_context.m_diagonalFigureSquare);
     const TSquare to = board.m_LastMove.m_to;
     if (HasLeft(move, diagonal) && !IsLoose(board, to))
-        return CutUnlessNet(move);
+        return move.CutUnless(IsMateInNet(move.m_board));
     if (move.BlackCapture() != WHITE_BISHOP || !(diagonal & Bit(to)))
         return EVerdict::Passes;
     if (!IsAttackedBy<EColour::White>(board, to))

@@ -32,14 +32,9 @@ EVerdict TestLossAtOnce(TBlackMove& move)
 {
     if (!IsMainFigureLost(move))
         return EVerdict::Passes;
-    switch (TestKingNet(move.m_board)) {
-    case EKingNet::Mate:
-        return EVerdict::EndsHook;
-    case EKingNet::Undecided:
-        return move.CutUnless(EMateTest::Undecided);
-    default:
-        break;
-    }
+    const EMateTest mate = IsMateInNet(move.m_board);
+    if (mate != EMateTest::No)
+        return move.CutUnless(mate);
     return IsReplyMateLine(move.m_board, MAX_MATE_LINE) ? EVerdict::EndsHook : EVerdict::Doubtful;
 }
 
