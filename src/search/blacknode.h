@@ -4,9 +4,9 @@
 #include "chess/notation.h"
 #include "search/blackcuts.h"
 #include "search/blacksort.h"
-#include "search/enginecommand.h"
 #include "search/ordering.h"
 #include "search/registeraccess.h"
+#include "search/servestop.h"
 #include "search/solverequest.h"
 
 #include <optional>
@@ -60,14 +60,14 @@ public:
         for (int i = 0; i < nMoves; ++i) {
             m_context.m_anMoveIndex[m_nDepth] = static_cast<std::uint8_t>(i);
             if (!m_request.IsAtRest()) {
-                ServeStop(moves.data(), nMoves, i, false);
+                ServeStopAt(moves.data(), nMoves, i, false);
                 if (m_bStopped)
                     return RESULT_NO_MATE;
             }
             const TSearchResult nResult = TryReply(moves[i]);
             if (nResult != RESULT_MATE) {
                 // The refutation may be nothing but a search that was given up.
-                if (!m_request.IsAtRest() && ServeStop(moves.data(), nMoves, i, true)) {
+                if (!m_request.IsAtRest() && ServeStopAt(moves.data(), nMoves, i, true)) {
                     if (m_bStopped)
                         return RESULT_NO_MATE;
                     --i;
@@ -89,25 +89,14 @@ private:
     /// Below this depth the replies are tried as generated, the latest refutation first.
     static constexpr int MIN_SORTED_DEPTH = 6;
 
-    /// Looks closer at the stop block. Sets m_bStopped when the node is to end. True: a reply that
-    /// was tried at i doesn't count, and the one that is there now is to be tried.
-    bool ServeStop(TMove* pMoves, int nMoves, int i, bool bTried)
+    /// True: a reply that was tried at i doesn't count, and the one that is there now is to be
+    /// tried.
+    bool ServeStopAt(TMove* pMoves, int nMoves, int i, bool bTried)
     {
-        const EStopCheck check = m_request.LookAtStop(m_context.m_nThreadId, m_nDepth);
-        if (check == EStopCheck::GoOn)
-            return false;
-        m_bStopped = check == EStopCheck::GiveUp;
-        if (m_bStopped)
-            return true;
-        const TEngineCommand command = m_request.GetCommand();
-        if (command.m_pReport) {
-            ReportMoves(m_board, command);
-            return false;
-        }
-        if (bTried)
-            ServeOnBlackList(command, pMoves, nMoves, i);
-        m_bStopped = !m_request.FinishCommand(m_context.m_nThreadId);
-        return true;
+        return ServeStop(m_board, &m_bStopped, [&](const TEngineCommand& command) {
+            if (bTried)
+                ServeOnBlackList(command, pMoves, nMoves, i);
+        });
     }
 
     /// The root of the defence task: every reply is analysed and recorded.

@@ -1,11 +1,11 @@
 #ifndef CORVINA_SEARCH_WHITENODE_H
 #define CORVINA_SEARCH_WHITENODE_H
 
-#include "search/enginecommand.h"
 #include "search/hooks.h"
 #include "search/line.h"
 #include "search/registeraccess.h"
 #include "search/scout.h"
+#include "search/servestop.h"
 #include "search/shortmate.h"
 #include "search/solverequest.h"
 
@@ -140,7 +140,7 @@ private:
         m_context.m_anMoveIndex[m_nDepth] = static_cast<std::uint8_t>(nFrom);
         int i = nFrom;
         if (!m_request.IsAtRest())
-            ServeStop(pMoves, nTo, i, false);
+            ServeStopAt(pMoves, nTo, i, false);
         for (; i < nTo && !m_bStopped; ++i) {
             m_context.m_anMoveIndex[m_nDepth] = static_cast<std::uint8_t>(i);
             const TSearchResult nResult = TryMove(pMoves[i]);
@@ -151,7 +151,7 @@ private:
                 return RESULT_MATE;
             }
             // Behind the move: it may have been given up.
-            if (!m_request.IsAtRest() && ServeStop(pMoves, nTo, i, true))
+            if (!m_request.IsAtRest() && ServeStopAt(pMoves, nTo, i, true))
                 continue;
             if (nResult == RESULT_DOUBTFUL)
                 ++m_nDoubtful;
@@ -161,29 +161,17 @@ private:
         return RESULT_NO_MATE;
     }
 
-    /// Looks closer at the stop block. Sets m_bStopped when the node is to end. True: the move at i
-    /// doesn't count, and the list goes on behind the new i. bTried: the move at i has been tried;
-    /// else the list goes on at i.
-    bool ServeStop(TMove* pMoves, int nMoves, int& i, bool bTried)
+    /// True: the move at i doesn't count, and the list goes on behind the new i. bTried: the move
+    /// at i has been tried; else the list goes on at i.
+    bool ServeStopAt(TMove* pMoves, int nMoves, int& i, bool bTried)
     {
-        const EStopCheck check = m_request.LookAtStop(m_context.m_nThreadId, m_nDepth);
-        if (check == EStopCheck::GoOn)
-            return false;
-        m_bStopped = check == EStopCheck::GiveUp;
-        if (m_bStopped)
-            return true;
-        const TEngineCommand command = m_request.GetCommand();
-        if (command.m_pReport) {
-            ReportMoves(m_board, command);
-            return false;
-        }
-        const TServedList served = ServeOnWhiteList(command, pMoves, nMoves, i, bTried);
-        m_nDoubtful += served.m_nLeftOut;
-        if (served.m_nLeftOut)
-            m_context.m_bLeftOutByHand = m_request.m_bInfluencedByHand = true;
-        i = served.m_nNext - bTried;
-        m_bStopped = !m_request.FinishCommand(m_context.m_nThreadId);
-        return true;
+        return ServeStop(m_board, &m_bStopped, [&](const TEngineCommand& command) {
+            const TServedList served = ServeOnWhiteList(command, pMoves, nMoves, i, bTried);
+            m_nDoubtful += served.m_nLeftOut;
+            if (served.m_nLeftOut)
+                m_context.m_bLeftOutByHand = m_request.m_bInfluencedByHand = true;
+            i = served.m_nNext - bTried;
+        });
     }
 
     /// One move of the list; a move that is illegal or ends in a repetition is no mate.
