@@ -418,6 +418,7 @@ std::int8_t FindMate(TChessboard& root, std::vector<TMove>& vecResult)
 {
     TSolveRequest& request = *root.m_pRequest;
     request.m_vecSolutions.clear();
+    request.m_matesBesideRegister.Clear();
     PrepareRegister(request);
     ChooseHeuristics(root);
     TakeUpHeuristics(root);

@@ -31,7 +31,9 @@ int TProofWalk::MateAtWhite(TChessboard& board)
     if (nMate == NO_MATE)
         return NO_MATE;
     m_proved.Add(board, nMate);
-    if (m_bRegister && IsRegisterable(board))
+    if (!IsRegisterable(board))
+        m_request.m_matesBesideRegister.Add(board, static_cast<std::uint16_t>(nMate));
+    else if (m_bRegister)
         StoreCertain(board, static_cast<std::uint16_t>(nMate), true);
     return nMate;
 }

@@ -1,6 +1,7 @@
 #include "search/registeraccess.h"
 
 #include "registers/answers.h"
+#include "registers/positionkey.h"
 #include "search/line.h"
 #include "search/solverequest.h"
 
@@ -118,6 +119,14 @@ std::optional<TSearchResult> ProbeRegister(TChessboard& board)
     default:
         return RESULT_MATE;
     }
+}
+
+int ShortestMateInRegister(TChessboard& board)
+{
+    const TKeyMark mark(board);
+    const auto depths =
+        board.m_pRequest->m_TemporaryRegister.FindDepths(board.m_board, GetHash(board.m_board));
+    return depths && depths->m_nMovesMate <= board.m_nMoves ? depths->m_nMovesMate : 0;
 }
 
 void StoreCertain(TChessboard& board, std::uint16_t nMoves, bool bMate)

@@ -21,6 +21,10 @@ bool UsesRegister(const TChessboard& board);
 /// moves of the short mate search.
 std::optional<TSearchResult> ProbeRegister(TChessboard& board);
 
+/// Half-moves of the shortest mate that the register knows for certain, no more than the position
+/// has left; 0: none.
+int ShortestMateInRegister(TChessboard& board);
+
 /// Stores that White mates, or does not, within nMoves half-moves. Nothing is stored of a thread
 /// that is being stopped.
 void StoreCertain(TChessboard& board, std::uint16_t nMoves, bool bMate);

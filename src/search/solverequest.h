@@ -6,6 +6,7 @@
 #include "registers/aggregatedregister.h"
 #include "registers/registerhost.h"
 #include "search/foundsolutions.h"
+#include "search/matesbesideregister.h"
 #include "search/passbook.h"
 #include "search/passendticks.h"
 #include "search/stopblock.h"
@@ -84,6 +85,7 @@ struct TSolveRequest : TProblem, TStopBlock, TRegisterHost
     TPassEndTicks m_passEndTick;                                ///< of the run's passes
     std::chrono::steady_clock::time_point m_tFirstMoveStart;    ///< of the search proper
     TAggregatedTemporaryChessboardRegister m_TemporaryRegister; ///< what the runs have learnt
+    TMatesBesideRegister m_matesBesideRegister; ///< of the last run; the thread with a proof writes
     bool m_bUseRegister = true;
     /// Tasks with fewer half-moves are solved faster than their positions are looked up.
     std::uint16_t m_nMinRegisterPlies = 10;

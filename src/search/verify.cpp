@@ -124,70 +124,123 @@ private:
         return nMate;
     }
 
-    /// Looks for a move of White behind which the proof goes on. Those that the register suggests
-    /// are walked first; then the engine searches the position, which fills the register, and at
-    /// last each move.
+    /// Looks for a move of White behind which the proof goes on. Those whose mate is known already
+    /// are walked first, the shortest one before the others: among longer ones the walk would
+    /// wander. Then the engine searches the position, which fills the register, and at last each
+    /// move.
     int Continue(TChessboard& board)
     {
         TMoveList moves;
         TChessboard asked = board;
         const int nMoves =
             SortWhiteMovesCheap(asked, moves.data(), board.GenerateWhiteMoves(moves.data()));
-        const auto isSeen = [&](TChessboard& child) { return IsKnown(child, false); };
-        const auto isKnown = [&](TChessboard& child) { return IsKnown(child, true); };
-        int nMate = MateByMove(board, moves.data(), nMoves, isSeen);
+        int nMate = MateByKnownMove(board, moves.data(), nMoves, false);
         if (nMate == NO_MATE)
-            nMate = MateByMove(board, moves.data(), nMoves, isKnown);
+            nMate = MateByKnownMove(board, moves.data(), nMoves, true);
         if (nMate != NO_MATE || IsStopped() || board.m_nMoves == 1 || !IsMateBySearch(board))
             return nMate;
-        nMate = MateByMove(board, moves.data(), nMoves, isKnown);
+        nMate = MateByKnownMove(board, moves.data(), nMoves, true);
         if (nMate != NO_MATE)
             return nMate;
-        return MateByMove(board, moves.data(), nMoves, [&](TChessboard& child) {
-            return SearchBlack<NODE_MAIN>(child) == RESULT_MATE;
-        });
+        for (int i = 0; i < nMoves && nMate == NO_MATE && !IsStopped(); ++i) {
+            nMate = MateByMove(board, moves[i], [&](TChessboard& child) {
+                return SearchBlack<NODE_MAIN>(child) == RESULT_MATE;
+            });
+        }
+        return nMate;
     }
 
-    template <class TSuggests>
-    int MateByMove(TChessboard& board, const TMove* pMoves, int nMoves, TSuggests suggests)
+    struct TKnownMove
     {
+        int m_nMate; ///< half-moves to the mate after it
+        TMove m_move;
+    };
+
+    int MateByKnownMove(TChessboard& board, const TMove* pMoves, int nMoves, bool bInTwo)
+    {
+        const int nEnough = IsRegisterable(board) && UsesRegister(board)
+                                ? ShortestMateInRegister(board)
+                                : m_request.m_matesBesideRegister.Find(board);
+        std::vector<TKnownMove> vecKnown;
+        int nShortest = board.m_nMoves;
         for (int i = 0; i < nMoves && !IsStopped(); ++i) {
             TMove move = pMoves[i];
             TChessboard child = board;
             child.m_pParent = &board;
-            if (!child.MakeWhiteMove(&move) || !suggests(child))
+            if (!child.MakeWhiteMove(&move))
                 continue;
-            m_vecLine.push_back(move);
-            const int nMate = MateAgainstAll(child);
-            m_vecLine.pop_back();
-            if (nMate != NO_MATE)
-                return nMate + 1;
+            const int nMate = KnownAtBlack(child, nShortest - 1, bInTwo);
+            if (nMate == NO_MATE)
+                continue;
+            vecKnown.push_back({nMate, move});
+            nShortest = nMate + 1;
+            if (nShortest <= nEnough)
+                break;
         }
-        return NO_MATE;
+        // Each is as short as those before it, or shorter.
+        int nMate = NO_MATE;
+        for (auto known = vecKnown.rbegin(); known != vecKnown.rend() && nMate == NO_MATE; ++known)
+            nMate = MateByMove(board, known->m_move, [](TChessboard&) { return true; });
+        return nMate;
     }
 
-    /// The move has mated, or the register knows a mate after each reply, or it is one move long;
-    /// bInTwo: or two.
-    bool IsKnown(TChessboard& board, bool bInTwo)
+    template <class TSuggests>
+    int MateByMove(TChessboard& board, TMove move, TSuggests suggests)
+    {
+        TChessboard child = board;
+        child.m_pParent = &board;
+        if (IsStopped() || !child.MakeWhiteMove(&move) || !suggests(child))
+            return NO_MATE;
+        m_vecLine.push_back(move);
+        const int nMate = MateAgainstAll(child);
+        m_vecLine.pop_back();
+        return nMate == NO_MATE ? NO_MATE : nMate + 1;
+    }
+
+    /// Half-moves within which a mate is known after each reply, no more than nLongest; 0: the move
+    /// has mated.
+    int KnownAtBlack(TChessboard& board, int nLongest, bool bInTwo)
     {
         if (board.m_nMoves == 0)
-            return board.m_blackChecker != NO_CHECK && !board.CanBlackEscapeCheck();
+            return board.m_blackChecker != NO_CHECK && !board.CanBlackEscapeCheck() ? 0 : NO_MATE;
         bool bHasReply = false;
+        int nMate = 0;
         const bool bAll =
             HoldsForEachReply(board, &bHasReply, [&](TChessboard& child, const TMove&) {
-                return IsMateInOne(child) || (child.m_nMoves > 3 && IsMateByRegister(child)) ||
-                       (bInTwo && child.m_nMoves >= 3 && IsMateInTwo(child));
+                const int nKnown = KnownAtWhite(child, nLongest - 1, bInTwo);
+                nMate = std::max(nMate, nKnown + 1);
+                return nKnown != NO_MATE;
             });
-        return bAll && (bHasReply || board.m_blackChecker != NO_CHECK);
+        return bAll && (bHasReply || board.m_blackChecker != NO_CHECK) ? nMate : NO_MATE;
     }
 
-    bool IsMateByRegister(TChessboard& board)
+    /// bInTwo: a mate in two is looked for when none is known.
+    int KnownAtWhite(TChessboard& board, int nLongest, bool bInTwo)
     {
-        if (!UsesRegister(board))
-            return board.m_nMoves <= MAX_PLIES_WITHOUT_HEURISTICS / 2 &&
-                   IsMateWithoutHeuristics(board);
-        const auto known = ProbeRegister(board);
-        return known && *known == RESULT_MATE;
+        if (nLongest < 1)
+            return NO_MATE;
+        if (IsMateInOne(board))
+            return 1;
+        if (nLongest < 3)
+            return NO_MATE;
+        int nKnown = m_proved.Find(board);
+        if (!nKnown && board.m_nMoves > 3)
+            nKnown = KnownToRegister(board);
+        if (nKnown)
+            return nKnown <= nLongest ? nKnown : NO_MATE;
+        return bInTwo && IsMateInTwo(board) ? 3 : NO_MATE;
+    }
+
+    /// 0: no mate is known.
+    int KnownToRegister(TChessboard& board)
+    {
+        if (!IsRegisterable(board))
+            return m_request.m_matesBesideRegister.Find(board);
+        if (UsesRegister(board))
+            return ShortestMateInRegister(board);
+        const bool bMate =
+            board.m_nMoves <= MAX_PLIES_WITHOUT_HEURISTICS / 2 && IsMateWithoutHeuristics(board);
+        return bMate ? board.m_nMoves : 0;
     }
 
     bool IsMateWithoutHeuristics(TChessboard& board)
