@@ -40,8 +40,9 @@ struct TRun
         : m_root(root), m_nThreads(nThreads), m_table(std::move(vecMoves)),
           m_passes(nThreads, root.m_pRequest->OnPassEnd),
           m_scouting(root.m_pRequest->m_bProofSearch && !root.m_pRequest->m_bPlain &&
-                     root.m_nMoves >= MIN_SCOUTED_PLIES &&
-                     (root.m_pRequest->m_nSearchMode & SEARCH_FIRST))
+                         root.m_nMoves >= MIN_SCOUTED_PLIES &&
+                         (root.m_pRequest->m_nSearchMode & SEARCH_FIRST),
+                     nThreads)
     {
     }
 

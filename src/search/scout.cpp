@@ -1,5 +1,9 @@
 #include "search/scout.h"
 
+#include "search/graphsearch.h"
+#include "search/toursearch.h"
+
+#include <algorithm>
 #include <new>
 #include <utility>
 
@@ -14,11 +18,16 @@ constexpr auto HEAD_START = std::chrono::milliseconds(20);
 /// Time of the scout for each unit of the passes.
 constexpr int SHARE = 3;
 
-/// Tasks of fewer moves have no tours to speak of.
-constexpr int MIN_TOUR_PLIES = 2 * 16 - 1;
+/// Tasks of fewer moves gain nothing by a graph of positions.
+constexpr int MIN_SIDE_SEARCH_PLIES = 2 * 16 - 1;
 
-/// Time of the search for tours for each unit of the scout's other work.
-constexpr int TOUR_SHARE = 1;
+/// Time of the side searches for each unit of the scout's other work. The longest mates are tours,
+/// which nothing else finds.
+constexpr int SIDE_SHARE = 1;
+constexpr int SIDE_SHARE_OF_TOURS = 4;
+constexpr int MIN_TOUR_PLIES = 2 * 36 - 1;
+
+constexpr int SIDE_SEARCHES = 2;
 
 /// Positions of a slice.
 constexpr std::uint64_t SLICE = 100'000;
@@ -85,10 +94,8 @@ bool TScout::TrySlice()
         m_context.m_pScout = nullptr;
         return false;
     }
-    if (IsTourDue()) {
-        const TClock::time_point tStart = TClock::now();
-        TryTours();
-        m_tourTime += TClock::now() - tStart;
+    if (IsSideSearchDue()) {
+        TrySideSearch();
         return !m_scouting.m_bEnded;
     }
     const TProofSearch::EAnswer answer = m_search->Search(SLICE);
@@ -110,38 +117,61 @@ void TScout::ClaimProof(const std::function<std::optional<TMove>()>& confirm)
         OnProved(*key);
 }
 
-bool TScout::IsTourDue() const
+bool TScout::IsSideSearchDue()
 {
-    if (m_tourTime > TOUR_SHARE * (m_scoutTime - m_tourTime))
+    const int nShare = m_root.m_nMoves < MIN_TOUR_PLIES ? SIDE_SHARE : SIDE_SHARE_OF_TOURS;
+    if (m_sideTime > nShare * (m_scoutTime - m_sideTime) ||
+        m_root.m_nMoves < MIN_SIDE_SEARCH_PLIES || !TSideSearch::CanSearch(m_root))
         return false;
-    return m_tours || (m_root.m_nMoves >= MIN_TOUR_PLIES && !m_scouting.m_bToursTaken &&
-                       TTourSearch::CanSearch(m_root));
+    return !m_vecSides.empty() || m_scouting.m_nSideSearchesTaken < SIDE_SEARCHES;
 }
 
-/// Without memory for the tours the other search goes on.
-void TScout::TryTours()
+/// Each scout has one, a scout on its own has them all.
+void TScout::TakeSideSearches()
 {
+    const std::size_t nWanted = m_scouting.m_nScouts > 1 ? 1 : SIDE_SEARCHES;
+    while (m_vecSides.size() < nWanted) {
+        const int nKind = m_scouting.m_nSideSearchesTaken++;
+        if (nKind == 0)
+            m_vecSides.push_back({std::make_unique<TGraphSearch>(m_root, m_context.m_nThreadId)});
+        else if (nKind == 1)
+            m_vecSides.push_back({std::make_unique<TTourSearch>(m_root, m_context.m_nThreadId)});
+        else
+            break;
+    }
+}
+
+/// Without memory for them the other search goes on.
+void TScout::TrySideSearch()
+{
+    const TClock::time_point tStart = TClock::now();
     try {
-        SearchTours();
+        TakeSideSearches();
+        if (!m_vecSides.empty())
+            WorkOnSideSearch();
     }
     catch (const std::bad_alloc&) {
-        m_tours.reset();
+        m_vecSides.clear();
     }
+    m_sideTime += TClock::now() - tStart;
 }
 
-void TScout::SearchTours()
+/// The one that has had the least time.
+void TScout::WorkOnSideSearch()
 {
-    if (!m_tours) {
-        if (m_scouting.m_bToursTaken.exchange(true))
-            return;
-        m_tours.emplace(m_root, m_context.m_nThreadId);
-    }
-    const TTourSearch::EAnswer answer = m_tours->Search(SLICE);
-    if (answer == TTourSearch::EAnswer::Mate)
-        ClaimProof([this] { return m_tours->Confirm(); });
-    m_nTourPositions = m_tours->Positions();
-    if (answer != TTourSearch::EAnswer::Open)
-        m_tours.reset();
+    const auto side =
+        std::min_element(m_vecSides.begin(), m_vecSides.end(),
+                         [](const TSide& a, const TSide& b) { return a.m_time < b.m_time; });
+    const TClock::time_point tStart = TClock::now();
+    TSideSearch& search = *side->m_pSearch;
+    const std::uint64_t nPositions = search.Positions();
+    const TSideSearch::EAnswer answer = search.Search(SLICE);
+    if (answer == TSideSearch::EAnswer::Mate)
+        ClaimProof([&search] { return search.Confirm(); });
+    m_nSidePositions += search.Positions() - nPositions;
+    side->m_time += TClock::now() - tStart;
+    if (answer != TSideSearch::EAnswer::Open)
+        m_vecSides.erase(side);
 }
 
 } // namespace corvina

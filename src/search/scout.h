@@ -2,7 +2,7 @@
 #define CORVINA_SEARCH_SCOUT_H
 
 #include "search/proofsearch.h"
-#include "search/toursearch.h"
+#include "search/sidesearch.h"
 
 #include <atomic>
 #include <chrono>
@@ -10,6 +10,7 @@
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <vector>
 
 namespace corvina
 {
@@ -18,7 +19,7 @@ namespace corvina
 class TScouting
 {
 public:
-    explicit TScouting(bool bWanted) : m_bWanted(bWanted) {}
+    TScouting(bool bWanted, int nScouts) : m_bWanted(bWanted), m_nScouts(nScouts) {}
 
     bool IsWanted() const { return m_bWanted; }
 
@@ -29,15 +30,16 @@ private:
     TProofTable* Table();
 
     const bool m_bWanted;
+    const int m_nScouts;
     std::mutex m_csTable; ///< guards the making of the table
     std::unique_ptr<TProofTable> m_pTable;
-    std::atomic<bool> m_bToursTaken{false}; ///< one of the scouts looks for tours, besides
-    std::atomic<bool> m_bEnded{false};      ///< a scout has an answer: the others leave off
+    std::atomic<int> m_nSideSearchesTaken{0}; ///< each is one scout's
+    std::atomic<bool> m_bEnded{false};        ///< a scout has an answer: the others leave off
 };
 
 /// Search of a root thread for a first solution by other means, slice by slice within the thread's
-/// passes: proof numbers and, for the longest tasks, tours. Long mates are found by them, and what
-/// they can't find, the passes do.
+/// passes: proof numbers and, for long tasks, graphs of positions. Long mates are found by them,
+/// and what they can't find, the passes do.
 class TScout
 {
 public:
@@ -54,7 +56,7 @@ public:
 
     std::uint64_t Positions() const
     {
-        return (m_search ? m_search->Positions() : 0) + m_nTourPositions;
+        return (m_search ? m_search->Positions() : 0) + m_nSidePositions;
     }
 
 private:
@@ -63,9 +65,10 @@ private:
     /// False: the scout's work is done. When memory is short, the next call says so.
     bool SearchSlice();
     bool TrySlice();
-    bool IsTourDue() const;
-    void TryTours();
-    void SearchTours();
+    bool IsSideSearchDue();
+    void TakeSideSearches();
+    void TrySideSearch();
+    void WorkOnSideSearch();
     void ClaimProof(const std::function<std::optional<TMove>()>& confirm);
 
     const TChessboard& m_root;
@@ -73,10 +76,15 @@ private:
     TThreadContext& m_context; ///< of the thread's passes
     const std::function<void(const TMove& key)> OnProved;
     std::optional<TProofSearch> m_search; ///< none before the first slice
-    std::optional<TTourSearch> m_tours;   ///< of the scout that looks for them
-    std::uint64_t m_nTourPositions = 0;
+    struct TSide
+    {
+        std::unique_ptr<TSideSearch> m_pSearch;
+        TClock::duration m_time{};
+    };
+    std::vector<TSide> m_vecSides; ///< this scout's side searches, those that aren't done with
+    std::uint64_t m_nSidePositions = 0;
     TClock::time_point m_tReturned; ///< to the passes
-    TClock::duration m_passTime{}, m_scoutTime{}, m_tourTime{};
+    TClock::duration m_passTime{}, m_scoutTime{}, m_sideTime{};
 };
 
 } // namespace corvina

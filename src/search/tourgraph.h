@@ -1,7 +1,7 @@
 #ifndef CORVINA_SEARCH_TOURGRAPH_H
 #define CORVINA_SEARCH_TOURGRAPH_H
 
-#include <boost/container/deque.hpp>
+#include "search/blocks.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -75,11 +75,6 @@ private:
         std::uint32_t m_nWhiteMove;
         std::uint32_t m_nNext;
     };
-
-    /// Grows without moving what it holds: a large graph must not keep a stop waiting.
-    template <class T>
-    using TBlocks = boost::container::deque<
-        T, void, boost::container::deque_options_t<boost::container::block_size<1u << 14>>>;
 
     std::size_t PlaceOf(std::uint64_t nKey) const;
     void ClearMates();

@@ -1,9 +1,6 @@
 #include "search/toursearch.h"
 
-#include "platform/machine.h"
 #include "search/prooftable.h"
-#include "search/proofwalk.h"
-#include "search/rootsetup.h"
 #include "search/shortmate.h"
 
 #include <algorithm>
@@ -19,9 +16,6 @@ constexpr std::uint8_t g_anKingMoves[] = {2, 4, 8};
 constexpr std::uint32_t FIRST_MAX_NODES = 1 << 14;
 constexpr std::uint32_t GROWTH = 4; ///< of the graphs from round to round
 constexpr std::uint32_t FIRST_SOLVE = 1 << 12;
-
-constexpr std::uint64_t MAX_BYTES = std::uint64_t{3} << 29;
-constexpr std::uint64_t SHARE_OF_MEMORY = 16;
 
 /// A bit for each kind of man.
 std::uint8_t KindBit(TFigure figure)
@@ -56,27 +50,9 @@ int CountMovableFigures(const TChessboard& board, const TMove* pMoves, int nMove
 
 } // namespace
 
-bool TTourSearch::CanSearch(const TChessboard& root)
-{
-    return root.m_nMoves >= 5 && root.GetCastlingRights(true) == 0 &&
-           root.GetCastlingRights(false) == 0;
-}
-
 TTourSearch::TTourSearch(const TChessboard& root, std::uint16_t nThreadId)
-    : m_context(root.m_nMoves), m_board(root),
-      m_bRegister(root.m_pRequest->m_bUseRegister &&
-                  root.m_nInitialMoves >= root.m_pRequest->m_nMinRegisterPlies),
-      m_nMaxBytes(MAX_BYTES), m_nMaxNodes(FIRST_MAX_NODES)
+    : TSideSearch(root, nThreadId), m_nMaxNodes(FIRST_MAX_NODES)
 {
-    if (const std::uint64_t nMemory = GetTotalPhysicalMemory())
-        m_nMaxBytes = std::min<std::uint64_t>(MAX_BYTES, nMemory / SHARE_OF_MEMORY);
-    m_context.m_nThreadId = nThreadId;
-    m_context.m_pRootBoard = &m_board;
-    m_board.m_pThread = &m_context;
-    m_board.m_pParent = nullptr;
-    // The short mate tests leave the register alone in tasks as short as this one seems to be.
-    m_board.m_nInitialMoves = 0;
-    DropHeuristics(m_board);
     TMoveList moves;
     m_nMovableFigures =
         CountMovableFigures(m_board, moves.data(), m_board.GenerateBlackMoves(moves.data()));
@@ -246,20 +222,12 @@ TTourSearch::EAnswer TTourSearch::Search(std::uint64_t nPositions)
     return EAnswer::Open;
 }
 
-int TTourSearch::MatingMove(const TChessboard& board) const
+TSideSearch::TKnownMate TTourSearch::FindMate(const TChessboard& board) const
 {
     const std::uint32_t nNode = m_graph->Find(TProofTable::KeyOf(board));
-    const int nMate = nNode == TTourGraph::NO_NODE ? 0 : m_graph->MateOf(nNode);
-    if (nMate <= 1 || 2 * nMate - 1 > board.m_nMoves)
-        return TProofWalk::NO_ANSWER;
-    return m_graph->MoveOf(nNode);
-}
-
-std::optional<TMove> TTourSearch::Confirm()
-{
-    return TProofWalk(*m_board.m_pRequest, m_context, m_bRegister,
-                      [this](const TChessboard& board) { return MatingMove(board); })
-        .Walk(m_board);
+    if (nNode == TTourGraph::NO_NODE)
+        return {};
+    return {m_graph->MateOf(nNode), m_graph->MoveOf(nNode)};
 }
 
 } // namespace corvina

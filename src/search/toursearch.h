@@ -1,7 +1,7 @@
 #ifndef CORVINA_SEARCH_TOURSEARCH_H
 #define CORVINA_SEARCH_TOURSEARCH_H
 
-#include "search/solverequest.h"
+#include "search/sidesearch.h"
 #include "search/tourgraph.h"
 
 #include <cstdint>
@@ -19,33 +19,13 @@ namespace corvina
 /// much Black may be let out, all positions within it make up a graph, and the mates of the graph
 /// are found backwards. Patterns are tried from the narrowest on, and grow as far as the memory
 /// goes.
-///
-/// A mate of a graph is a mate against all of Black's replies, but for two positions that share a
-/// hash: it counts when its proof has been walked.
-class TTourSearch
+class TTourSearch : public TSideSearch
 {
 public:
     /// Of the root's task; the root must outlive the object. Throws std::bad_alloc.
     TTourSearch(const TChessboard& root, std::uint16_t nThreadId);
 
-    /// Castling is left out of the graphs: roots with a right to it are not searched.
-    static bool CanSearch(const TChessboard& root);
-
-    enum class EAnswer : std::uint8_t
-    {
-        Open,
-        Mate,   ///< to be confirmed
-        GivenUp ///< there is no mate in the patterns, or no room for it
-    };
-
-    /// Goes on with the search for about so many positions. Throws std::bad_alloc.
-    EAnswer Search(std::uint64_t nPositions);
-
-    /// Walks the proof; the positions that it proves go to the register of the run. Nothing: a
-    /// stop, or a fault of the hash.
-    std::optional<TMove> Confirm();
-
-    std::uint64_t Positions() const { return m_context.m_nPositions; }
+    EAnswer Search(std::uint64_t nPositions) override;
 
 private:
     /// What White and Black may do within a graph.
@@ -68,17 +48,12 @@ private:
     bool BeginPattern();
     EAnswer EndOfGraph();
     bool SolveGraph();
-    bool IsStopped() const { return m_board.m_pRequest->IsStopped(m_context.m_nThreadId); }
     void Expand(std::uint32_t nNode);
     bool ListReplies(TChessboard& board);
-    int MatingMove(const TChessboard& board) const;
+    TKnownMate FindMate(const TChessboard& board) const override;
 
-    TThreadContext m_context;
-    TChessboard m_board; ///< the root
-    bool m_bRegister;
     int m_nMovableFigures = 0;      ///< of Black at the root, without king and pawns
     std::uint8_t m_nOtherKinds = 0; ///< of men that White gets by promotion only: they may move
-    std::size_t m_nMaxBytes;
 
     std::vector<TPattern> m_vecPatterns; ///< a pattern stands behind those that it includes
     std::size_t m_nPattern = 0;

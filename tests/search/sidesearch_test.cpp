@@ -1,4 +1,5 @@
 #include "chess/fen.h"
+#include "search/graphsearch.h"
 #include "search/solve.h"
 #include "search/toursearch.h"
 #include "search/verify.h"
@@ -93,6 +94,96 @@ TEST(TourGraph, FindsTheShortestMates)
     EXPECT_GT(nLongest, 6);
 }
 
+/// Grows a graph as its choices tell, with the moves of the plain one, until the root has a mate in
+/// nMaxMoves or nothing is left. The mate; 0: none.
+int GrowToMate(TMateGraph& graph, const TPlainGraph& plain, const std::vector<bool>& vecMateInOne,
+               int nMaxMoves, int* pnOpened)
+{
+    std::vector<std::uint32_t> vecPlainOf; // plain nodes by the graph's numbers
+    const auto add = [&](std::uint32_t nPlain) {
+        const std::uint32_t nNode = graph.Add(std::uint64_t{nPlain} << 40 | nPlain % 7);
+        if (nNode == vecPlainOf.size())
+            vecPlainOf.push_back(nPlain);
+        return nNode;
+    };
+    add(0);
+    for (;;) {
+        if (!graph.Update(4, GoesOn))
+            return -1;
+        if (graph.MateOf(0) && graph.MateOf(0) <= nMaxMoves)
+            return graph.MateOf(0);
+        const TMateGraph::TChoice choice = graph.Choose(3, GoesOn);
+        if (choice.m_vecNodes.empty() && choice.m_vecMoves.empty() && !choice.m_bAgain)
+            return 0;
+        for (const std::uint32_t nNode : choice.m_vecNodes) {
+            const std::uint32_t nPlain = vecPlainOf[nNode];
+            if (vecMateInOne[nPlain]) {
+                graph.AddMateInOne(nNode);
+                continue;
+            }
+            graph.BeginMoves(nNode);
+            for (std::size_t i = 0; i < plain.m_vecMoves.size(); ++i) {
+                if (plain.m_vecMoves[i].m_nNode == nPlain)
+                    graph.AddMove(static_cast<std::uint8_t>(i),
+                                  static_cast<int>(plain.m_vecMoves[i].m_vecReplies.size()));
+            }
+        }
+        for (const std::uint32_t nMove : choice.m_vecMoves) {
+            std::vector<std::uint32_t> vecReplies;
+            for (const std::uint32_t nReply :
+                 plain.m_vecMoves[graph.IndexOfMove(nMove)].m_vecReplies)
+                vecReplies.push_back(add(nReply));
+            graph.OpenMove(nMove, vecReplies);
+            ++*pnOpened;
+        }
+    }
+}
+
+/// It may leave moves unopened, but never misses a mate that comes in time, nor finds one that
+/// isn't there.
+TEST(MateGraph, GrowsToAMateIfThereIsOne)
+{
+    std::mt19937 random(53);
+    int nMates = 0, nTooLong = 0, nOpened = 0, nMoves = 0;
+    for (int nRound = 0; nRound < 600; ++nRound) {
+        const unsigned nNodes = 2 + random() % 60;
+        TPlainGraph plain(nNodes);
+        std::vector<bool> vecMateInOne(nNodes, false);
+        for (unsigned i = 0; i < std::min(250u, 3 * nNodes); ++i) {
+            TPlainGraph::TMoveOfNode move{static_cast<std::uint32_t>(random() % nNodes), {}};
+            const unsigned nFirst = random() % nNodes;
+            const unsigned nReplies = 1 + random() % 3;
+            for (unsigned k = 0; k < nReplies; ++k)
+                move.m_vecReplies.push_back((nFirst + k * 7) % nNodes);
+            std::sort(move.m_vecReplies.begin(), move.m_vecReplies.end());
+            move.m_vecReplies.erase(std::unique(move.m_vecReplies.begin(), move.m_vecReplies.end()),
+                                    move.m_vecReplies.end());
+            plain.m_vecMoves.push_back(move);
+        }
+        for (unsigned i = 0; i <= nNodes / 10; ++i) {
+            const auto nMated = static_cast<std::uint32_t>(1 + random() % (nNodes - 1));
+            vecMateInOne[nMated] = true;
+            plain.m_anMate[nMated] = 1;
+        }
+        plain.Solve();
+        const int nMaxMoves = 1 + static_cast<int>(random() % 12), nShortest = plain.m_anMate[0];
+        TMateGraph graph(nMaxMoves);
+        const int nMate = GrowToMate(graph, plain, vecMateInOne, nMaxMoves, &nOpened);
+        nMoves += static_cast<int>(plain.m_vecMoves.size());
+        if (nShortest && nShortest <= nMaxMoves) {
+            EXPECT_GE(nMate, nShortest) << nRound;
+            ++nMates;
+        }
+        else {
+            EXPECT_EQ(nMate, 0) << nRound;
+            nTooLong += nShortest != 0;
+        }
+    }
+    EXPECT_GT(nMates, 100);
+    EXPECT_GT(nTooLong, 20);
+    EXPECT_LT(nOpened, nMoves);
+}
+
 /// A root for searches of their own.
 struct TTourTask
 {
@@ -117,22 +208,23 @@ std::vector<TMove> SolutionsOf(const TChessboard& board, int nMate)
     return Solve(request, TRunSettings()).m_vecSolutions;
 }
 
-/// What the graphs claim is among the solutions of the main search. Against a bare king they leave
-/// nothing out, so that they find each mate, and none where there is none.
+/// What a graph claims is among the solutions of the main search. Against a bare king it leaves
+/// nothing out, so that it finds each mate, and none where there is none.
+template <class TSearch>
 void CompareWithMainSearch(const TChessboard& board, int nMate, bool bComplete, int* pnMates)
 {
     TTourTask task(board, nMate);
-    ASSERT_TRUE(TTourSearch::CanSearch(task.m_root));
-    TTourSearch tours(task.m_root, 0);
-    const auto answer = tours.Search(bComplete ? ENOUGH : ENOUGH / 50);
+    ASSERT_TRUE(TSideSearch::CanSearch(task.m_root));
+    TSearch tours(task.m_root, 0);
+    const auto answer = tours.Search(bComplete ? ENOUGH : ENOUGH / 200);
     const std::string strTask = WriteFen(board, true) + " #" + std::to_string(nMate);
     const auto vecSolutions = SolutionsOf(board, nMate);
     if (bComplete) {
         EXPECT_EQ(answer,
-                  vecSolutions.empty() ? TTourSearch::EAnswer::GivenUp : TTourSearch::EAnswer::Mate)
+                  vecSolutions.empty() ? TSideSearch::EAnswer::GivenUp : TSideSearch::EAnswer::Mate)
             << strTask;
     }
-    if (answer != TTourSearch::EAnswer::Mate)
+    if (answer != TSideSearch::EAnswer::Mate)
         return;
     ++*pnMates;
     const auto key = tours.Confirm();
@@ -147,7 +239,14 @@ bool HasMateInOne(const TChessboard& board)
     return !SolutionsOf(board, 1).empty();
 }
 
-TEST(TourSearch, AgreesWithTheMainSearch)
+template <class TSearch>
+class SideSearch : public testing::Test
+{
+};
+using TSideSearches = testing::Types<TTourSearch, TGraphSearch>;
+TYPED_TEST_SUITE(SideSearch, TSideSearches);
+
+TYPED_TEST(SideSearch, AgreesWithTheMainSearch)
 {
     std::mt19937 random(52);
     int nMates = 0, nTasks = 0;
@@ -155,7 +254,7 @@ TEST(TourSearch, AgreesWithTheMainSearch)
         const TChessboard board = ComposedPosition(random);
         if (board.GetCastlingRights(true) || board.GetCastlingRights(false) || HasMateInOne(board))
             continue;
-        CompareWithMainSearch(board, 3, false, &nMates);
+        CompareWithMainSearch<TypeParam>(board, 3, false, &nMates);
         ++nTasks;
     }
     EXPECT_GT(nMates, 10);
@@ -169,35 +268,35 @@ TEST(TourSearch, AgreesWithTheMainSearch)
         TChessboard board;
         ASSERT_TRUE(ReadFen(board, pFen));
         for (int nMate = 3; nMate <= 4; ++nMate)
-            CompareWithMainSearch(board, nMate, true, &nMates), ++nBare;
+            CompareWithMainSearch<TypeParam>(board, nMate, true, &nMates), ++nBare;
     }
     EXPECT_GT(nMates, 3);
     EXPECT_LT(nMates, nBare);
 }
 
 /// No mate with a rook takes more than 16 moves.
-TEST(TourSearch, StopsAndGoesOn)
+TYPED_TEST(SideSearch, StopsAndGoesOn)
 {
     TChessboard board;
     ASSERT_TRUE(ReadFen(board, "8/8/8/8/8/2k5/R7/K7"));
     TTourTask task(board, 16);
-    TTourSearch tours(task.m_root, 3);
-    EXPECT_EQ(tours.Search(5'000), TTourSearch::EAnswer::Open);
+    TypeParam tours(task.m_root, 3);
+    EXPECT_EQ(tours.Search(5'000), TSideSearch::EAnswer::Open);
     ASSERT_TRUE(task.m_request.StopThread(3));
     const std::uint64_t nPositions = tours.Positions();
-    EXPECT_EQ(tours.Search(ENOUGH), TTourSearch::EAnswer::Open);
+    EXPECT_EQ(tours.Search(ENOUGH), TSideSearch::EAnswer::Open);
     EXPECT_EQ(tours.Positions(), nPositions);
     task.m_request.ResumeThread(3);
-    EXPECT_EQ(tours.Search(ENOUGH), TTourSearch::EAnswer::Mate);
+    EXPECT_EQ(tours.Search(ENOUGH), TSideSearch::EAnswer::Mate);
     EXPECT_TRUE(tours.Confirm().has_value());
 
     // Rights to castle aren't in the graphs.
     ASSERT_TRUE(ReadFen(board, "4k3/8/8/8/8/8/8/R3K3"));
-    EXPECT_FALSE(TTourSearch::CanSearch(TTourTask(board, 16).m_root));
+    EXPECT_FALSE(TSideSearch::CanSearch(TTourTask(board, 16).m_root));
 }
 
 /// Mates of 40 and more moves that nothing else finds in this time.
-TEST(TourSearch, FindsMatesOfTheDataFolder)
+TYPED_TEST(SideSearch, FindsMatesOfTheDataFolder)
 {
     if (!HasDataFolder())
         GTEST_SKIP() << "CORVINA_DATA is not set";
@@ -206,11 +305,11 @@ TEST(TourSearch, FindsMatesOfTheDataFolder)
         TChessboard board;
         ASSERT_TRUE(ReadFen(board, row.m_strFen));
         TTourTask task(board, row.m_nMate);
-        if (!TTourSearch::CanSearch(task.m_root))
+        if (!TSideSearch::CanSearch(task.m_root))
             continue;
         ++nTasks;
-        TTourSearch tours(task.m_root, 0);
-        if (tours.Search(2'000'000) == TTourSearch::EAnswer::Mate) {
+        TypeParam tours(task.m_root, 0);
+        if (tours.Search(2'000'000) == TSideSearch::EAnswer::Mate) {
             ++nMates;
             EXPECT_TRUE(tours.Confirm().has_value()) << row.m_strFen;
         }
