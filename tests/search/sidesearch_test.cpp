@@ -216,7 +216,7 @@ void CompareWithMainSearch(const TChessboard& board, int nMate, bool bComplete, 
     TTourTask task(board, nMate);
     ASSERT_TRUE(TSideSearch::CanSearch(task.m_root));
     TSearch tours(task.m_root, 0);
-    const auto answer = tours.Search(bComplete ? ENOUGH : ENOUGH / 200);
+    const auto answer = tours.Search(bComplete ? ENOUGH : ENOUGH / 50);
     const std::string strTask = WriteFen(board, true) + " #" + std::to_string(nMate);
     const auto vecSolutions = SolutionsOf(board, nMate);
     if (bComplete) {
@@ -250,14 +250,14 @@ TYPED_TEST(SideSearch, AgreesWithTheMainSearch)
 {
     std::mt19937 random(52);
     int nMates = 0, nTasks = 0;
-    while (nTasks < 150) {
+    while (nTasks < 75) {
         const TChessboard board = ComposedPosition(random);
         if (board.GetCastlingRights(true) || board.GetCastlingRights(false) || HasMateInOne(board))
             continue;
         CompareWithMainSearch<TypeParam>(board, 3, false, &nMates);
         ++nTasks;
     }
-    EXPECT_GT(nMates, 10);
+    EXPECT_GT(nMates, 5);
     nMates = 0;
     int nBare = 0;
     for (const char* pFen :
@@ -300,22 +300,23 @@ TYPED_TEST(SideSearch, FindsMatesOfTheDataFolder)
 {
     if (!HasDataFolder())
         GTEST_SKIP() << "CORVINA_DATA is not set";
-    int nMates = 0, nTasks = 0;
+    constexpr int ENOUGH_MATES = 2;
+    int nMates = 0;
     for (const TAnsweredTask& row : ReadLongTasks("mates-dev.tsv", 40)) {
+        if (nMates == ENOUGH_MATES)
+            break;
         TChessboard board;
         ASSERT_TRUE(ReadFen(board, row.m_strFen));
         TTourTask task(board, row.m_nMate);
         if (!TSideSearch::CanSearch(task.m_root))
             continue;
-        ++nTasks;
         TypeParam tours(task.m_root, 0);
         if (tours.Search(2'000'000) == TSideSearch::EAnswer::Mate) {
             ++nMates;
             EXPECT_TRUE(tours.Confirm().has_value()) << row.m_strFen;
         }
     }
-    EXPECT_GE(nTasks, 10);
-    EXPECT_GE(nMates, 2);
+    EXPECT_EQ(nMates, ENOUGH_MATES);
 }
 
 } // namespace
