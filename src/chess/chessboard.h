@@ -54,7 +54,11 @@ struct alignas(16) TChessboard
     static constexpr std::uint16_t POSITION_MANYFIGURES = 0x20; ///< more than 11, without pawns
     static constexpr std::uint16_t POSITION_LONEBISHOP = 0x80;
     static constexpr std::uint16_t POSITION_SMALLENDING = 0x100;
+    /// The White king's walk in a sea snake depends on Black's pawns.
+    static constexpr std::uint16_t POSITION_PAWNWALK = 0x1000;
     static constexpr std::uint16_t POSITION_BLACKBLOCKED = 0x4000; ///< no Black figure can move
+    static constexpr std::uint16_t POSITION_PREFERREDMOVES =
+        0x8000; ///< the run has a table of them
 
     /// The ring of the Black king within m_boardFlags.
     static constexpr int RING_SHIFT = 3;

@@ -58,6 +58,7 @@ struct TAnalysis
     TTrials m_trials;
     bool m_bSafeMode;
     bool m_bSafeModeForced = false;
+    std::vector<TMove> m_vecSeaSnakeMoves;
 
     void ForceSafeMode() { m_bSafeMode = m_bSafeModeForced = true; }
 };
@@ -101,6 +102,17 @@ bool TryStrictForms(TAnalysis& a);
 // Further tests (analysisrefine.cpp)
 
 void RefineSet(TAnalysis& a);
+
+// Zugzwang (analysiszugzwang.cpp)
+
+/// SH_SEASNAKE, SH_ZUGZWANGTRIANGLES
+void DetectZugzwangPatterns(TAnalysis& a);
+
+/// What such a pattern changes in the rest of the set; SH_ZUGZWANG, which the user has told.
+void RefineByZugzwang(TAnalysis& a);
+
+/// A sea snake with the Black king far from the edge.
+void DropEdgeFormsOfSeaSnake(TAnalysis& a);
 
 // Safe mode (analysissafe.cpp)
 

@@ -270,11 +270,11 @@ void AdjustPromotedRules(TAnalysis& a)
 void RefineSet(TAnalysis& a)
 {
     constexpr void (*STEPS[])(TAnalysis&) = {
-        ProtectPromotion,    SurroundOffEdge,     HoldByLoneMajor,  SurroundUnguardedKing,
-        LetKingRecede,       SwapEdgeForSurround, SurroundHeldKing, ChooseExtEdge,
-        WidenCrowdedEdge,    RelaxForBlackQueen,  CheckStrictForm,  CheckPlainForm,
-        SurroundWithFigures, PreferSurround,      CheckWeakForms,   ResolveConflicts,
-        TryPromotedRules,    AdjustPromotedRules};
+        ProtectPromotion,    SurroundOffEdge,     HoldByLoneMajor,    SurroundUnguardedKing,
+        LetKingRecede,       SwapEdgeForSurround, SurroundHeldKing,   ChooseExtEdge,
+        WidenCrowdedEdge,    RelaxForBlackQueen,  CheckStrictForm,    CheckPlainForm,
+        SurroundWithFigures, PreferSurround,      CheckWeakForms,     ResolveConflicts,
+        RefineByZugzwang,    TryPromotedRules,    AdjustPromotedRules};
     for (const auto step : STEPS)
         step(a);
 }

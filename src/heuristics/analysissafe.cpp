@@ -46,6 +46,36 @@ bool IsDuel(const TAnalysis& a)
            std::popcount(f.m_mobility.m_targets) >= WIDE_REACH;
 }
 
+/// Two Black pawns of a file, of which the first can step, and no White pawn can take it: it gives
+/// Black moves that count.
+bool HasSteppingDoubledPawn(const TChessboard& b)
+{
+    constexpr TSquareSet FILE_A = 0x0101010101010101, INNER_ROWS = 0x00FFFFFFFFFFFF00;
+    const TSquareSet pawns = TSets::Equal(b.m_board, BLACK_PAWN) & INNER_ROWS;
+    const TSquareSet white = TSets::Equal(b.m_board, WHITE_PAWN);
+    for (int file = 0; file < 8; ++file) {
+        const TSquareSet onFile = pawns & FILE_A << file;
+        if (!(onFile & (onFile - 1)))
+            continue;
+        const TSquare first = LowestSquare(onFile);
+        TSquareSet neighbours = 0;
+        if (file > 0)
+            neighbours |= FILE_A << (file - 1);
+        if (file < 7)
+            neighbours |= FILE_A << (file + 1);
+        if (b.m_board[first + TSide<EColour::Black>::FORWARD] == NO_FIGURE && !(white & neighbours))
+            return true;
+    }
+    return false;
+}
+
+/// In a sea snake positions come back, and the repetition says nothing of the zugzwang.
+bool NeedsSafeModeForSeaSnake(const TAnalysis& a)
+{
+    return a.Has(SH_SEASNAKE) && !a.m_params.m_bSeaSnakeQuickMode &&
+           !HasSteppingDoubledPawn(a.m_board);
+}
+
 } // namespace
 
 void DecideSafeMode(TAnalysis& a)
@@ -58,8 +88,8 @@ void DecideSafeMode(TAnalysis& a)
         return;
     const bool bOutweighed = b.m_nBlackPawns == 0 && f.m_nBlackFigures == 1 &&
                              2 * f.m_nBlackMaterial < f.m_nWhiteMaterial;
-    if (a.Has(SH_SEASNAKE | SH_SWEEPINGWHITEROOK) || bOutweighed || IsKingHeldInRegion(a) ||
-        IsDuel(a))
+    if (NeedsSafeModeForSeaSnake(a) || a.Has(SH_SWEEPINGWHITEROOK) || bOutweighed ||
+        IsKingHeldInRegion(a) || IsDuel(a))
         a.ForceSafeMode();
 }
 

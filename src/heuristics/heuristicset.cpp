@@ -1,6 +1,7 @@
 #include "heuristics/heuristicset.h"
 
 #include "heuristics/heuristicbits.h"
+#include "search/solverequest.h"
 
 #include <algorithm>
 #include <iterator>
@@ -42,6 +43,22 @@ void CopyForcedMate(const THeuristicsParams& from, THeuristicsParams& to)
     to.m_bFfmCustom = from.m_bFfmCustom;
 }
 
+void CopySeaSnake(const THeuristicsParams& from, THeuristicsParams& to)
+{
+    static_cast<TSeaSnake&>(to) = from;
+    to.m_nSeaSnakeOnlyAfter = from.m_nSeaSnakeOnlyAfter;
+    to.m_nPawnGuards = from.m_nPawnGuards;
+    std::copy(std::begin(from.m_pawnGuardSquares), std::end(from.m_pawnGuardSquares),
+              to.m_pawnGuardSquares);
+    to.m_nSeaSnakeOrigins = from.m_nSeaSnakeOrigins;
+    std::copy(std::begin(from.m_seaSnakeOriginSquares), std::end(from.m_seaSnakeOriginSquares),
+              to.m_seaSnakeOriginSquares);
+    to.m_bSeaSnakeQuickMode = from.m_bSeaSnakeQuickMode;
+    to.m_bSeaSnakeAnalysed = from.m_bSeaSnakeAnalysed;
+    to.m_bDynamicSeaSnake = from.m_bDynamicSeaSnake;
+    to.m_bEdgeFormsOff = from.m_bEdgeFormsOff;
+}
+
 } // namespace
 
 void ApplyToRoot(const THeuristicSet& set, TChessboard& root)
@@ -53,6 +70,8 @@ void ApplyToRoot(const THeuristicSet& set, TChessboard& root)
     for (int i = 0; i < MAX_UNBLOCK_FIGURES; ++i)
         root.m_trackedSquares[i] =
             i < p.m_nUnblockFigures ? p.m_unblockSquares[i] : std::int8_t{-1};
+    if (root.m_pRequest)
+        root.m_pRequest->m_zugzwangMap = MakeZugzwangMap(set.m_vecZugzwangMoves, root);
 }
 
 void CopyParams(std::uint32_t nHeuristic, const THeuristicSet& from, THeuristicSet& to)
@@ -109,9 +128,16 @@ void CopyParams(std::uint32_t nHeuristic, const THeuristicSet& from, THeuristicS
         q.m_nCornerDistance = p.m_nCornerDistance;
         break;
     case SH_SEASNAKE:
-        q.m_approachSquare = p.m_approachSquare;
-        q.m_turnBackSquare = p.m_turnBackSquare;
-        q.m_nSeaSnakeOnlyAfter = p.m_nSeaSnakeOnlyAfter;
+        CopySeaSnake(p, q);
+        break;
+    case SH_ZUGZWANGTRIANGLES:
+        q.m_triangleOrigin = p.m_triangleOrigin;
+        std::copy(std::begin(p.m_aTriangleFields), std::end(p.m_aTriangleFields),
+                  q.m_aTriangleFields);
+        break;
+    case SH_ZUGZWANG:
+        q.m_nZugzwangKey = p.m_nZugzwangKey;
+        to.m_vecZugzwangMoves = from.m_vecZugzwangMoves;
         break;
     default:
         break;

@@ -5,6 +5,7 @@
 #include "heuristics/heuristicsparams.h"
 
 #include <cstdint>
+#include <vector>
 
 namespace corvina
 {
@@ -15,12 +16,15 @@ struct THeuristicSet
     std::uint32_t m_nHeuristics = 0;
     std::uint8_t m_nFilterMode = 0; ///< of SH_ONECOLORPLAYPOSSIBLE: TChessboard::FILTER_...
     bool m_bQuickMode = false;      ///< the text told of it
+    /// Of SH_ZUGZWANG: moves after which the position is the one to return to.
+    std::vector<TMove> m_vecZugzwangMoves;
     THeuristicsParams m_params;
 };
 
 /// Brings to a root what a set keeps with the record: the mask, the mode of the move filter and the
-/// squares of the listed figures. The parameters go to the context of each thread, and the
-/// signature is computed once they are there.
+/// squares of the listed figures; and to its request, if it has one, the map of zugzwang positions.
+/// The parameters go to the context of each thread, and the signature is computed once they are
+/// there.
 void ApplyToRoot(const THeuristicSet& set, TChessboard& root);
 
 /// Copies the parameters of one heuristic. The two edge heuristics share some of theirs.

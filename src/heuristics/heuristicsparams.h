@@ -1,12 +1,12 @@
 #ifndef CORVINA_HEURISTICS_HEURISTICSPARAMS_H
 #define CORVINA_HEURISTICS_HEURISTICSPARAMS_H
 
+#include "heuristics/seasnakerecord.h"
+
 #include <cstdint>
 
 namespace corvina
 {
-
-constexpr std::uint8_t NO_KEY_SQUARE = 0xFF;
 
 /// Levels of the forced mate search: THeuristicsParams::m_nFfmLevel.
 constexpr std::uint8_t FFM_CHECK_ONLY = 2;
@@ -29,12 +29,13 @@ constexpr std::uint8_t LOSE_NO_PAWNS = 1;
 constexpr std::uint8_t LOSE_NO_PAWNS_BEFORE_PROMOTION = 2;
 
 constexpr int MAX_UNBLOCK_FIGURES = 8;
+constexpr int MAX_SEASNAKE_PAWNS = 8;
 constexpr int MAX_CORNER_SQUARES = 5;
 constexpr int MAX_CORNER_MOVES = 2;
 
 /// The parameters of a set of heuristics; the mask that says which are on is with the record. The
 /// initial values are those of every new position. Plain data: saved and restored by copying.
-struct THeuristicsParams
+struct THeuristicsParams : TSeaSnake
 {
     // SH_DONTLETFIGUREUNBLOCK: listed Black figures stay where they are.
     bool m_bUnblockOneSquare = false; ///< they may move one square, and are followed there
@@ -95,14 +96,23 @@ struct THeuristicsParams
     bool m_bDropQueenCheckEarly = false;
     bool m_bDropPromotedEarly = false;
 
-    // SH_ZUGZWANGTRIANGLES, SH_SEASNAKE, SH_SINGLEQUEENMATE
-    std::uint8_t m_aTriangleFields[2] = {};         ///< six bits each
-    std::uint8_t m_pendulumSquare1 = NO_KEY_SQUARE; ///< the one that White can approach
-    std::uint8_t m_pendulumSquare2 = NO_KEY_SQUARE;
-    std::uint8_t m_approachSquare = NO_KEY_SQUARE;
-    std::uint8_t m_turnBackSquare = NO_KEY_SQUARE;
+    // SH_SEASNAKE, beside the record
     std::int8_t m_nSeaSnakeOnlyAfter = 0; ///< moves before it starts to work
-    bool m_bSeaSnakeKeepsQuickMode = false;
+    std::uint8_t m_nPawnGuards = 0;
+    std::uint8_t m_pawnGuardSquares[MAX_SEASNAKE_PAWNS] = {}; ///< pawns that the walk must watch
+    std::uint8_t m_nSeaSnakeOrigins = 0;
+    /// White figures that stand in the way of the walk: once one of them has left such a square,
+    /// the figures on the walk have their turn.
+    std::uint8_t m_seaSnakeOriginSquares[MAX_SEASNAKE_GUARDS] = {};
+    bool m_bSeaSnakeQuickMode = false; ///< a run that drops it stays in Quick mode
+    bool m_bSeaSnakeAnalysed = false;  ///< the detection has looked at this root
+    bool m_bDynamicSeaSnake = false;   ///< the pattern stands only after a first move of White
+    bool m_bEdgeFormsOff = false;      ///< the Black king is at home off the edge
+
+    // SH_ZUGZWANGTRIANGLES, SH_ZUGZWANG, SH_SINGLEQUEENMATE
+    std::uint8_t m_aTriangleFields[2] = {};        ///< its other squares, six bits each
+    std::uint8_t m_triangleOrigin = NO_KEY_SQUARE; ///< where its figure stands at the root
+    std::uint32_t m_nZugzwangKey = 0;              ///< of the moves in the map; 0: no map
     std::uint8_t m_nCustomDataLevel = 0;
 
     // SH_FINDFORCEDMATE

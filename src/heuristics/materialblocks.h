@@ -45,20 +45,14 @@ EVerdict TestKeyWhiteFigure(TBlackMove& move);
 /// SH_REDUCTIONTOGLOBREGPOS: even without some of White's figures the endgame tables show no win.
 EVerdict TestReducedPosition(TBlackMove& move);
 
-/// SH_ZUGZWANGTRIANGLES: the position has left the triangle of the zugzwang.
-inline EVerdict TestZugzwangTriangle(TBlackMove&)
-{
-    return EVerdict::Passes;
-}
+/// SH_ZUGZWANGTRIANGLES: as TestReducedPosition, where that one isn't on.
+EVerdict TestZugzwangTriangle(TBlackMove& move);
 
 /// SH_DONTLEAVEMAINDIAGONAL: White's bishop no longer holds the main diagonal.
 EVerdict TestMainDiagonal(TBlackMove& move);
 
 /// SH_SEASNAKE: Black's pendulum is broken by a queen that White doesn't attack.
-inline EVerdict TestSeaSnake(TBlackMove&)
-{
-    return EVerdict::Passes;
-}
+EVerdict TestSeaSnake(TBlackMove& move);
 
 /// SH_SWEEPINGWHITEROOK: Black's pawns no longer run into the rook of the first row.
 EVerdict TestSweepingRook(TBlackMove& move);

@@ -16,18 +16,6 @@ inline bool HasReducedPosition(const TChessboard&)
     return false;
 }
 
-/// SH_SEASNAKE: a pendulum of a Black figure and a White king who walks a triangle.
-inline bool HasSeaSnake(const TChessboard&)
-{
-    return false;
-}
-
-/// SH_ZUGZWANG, SH_ZUGZWANGTRIANGLES: Black's pawn structure leaves him a zugzwang.
-inline bool HasZugzwang(const TChessboard&)
-{
-    return false;
-}
-
 /// SH_SINGLEQUEENMATE: nothing but the White queen and the Black king can move.
 inline bool IsSingleQueenMate(const TChessboard&)
 {

@@ -105,6 +105,10 @@ void TParamReader::Read(std::uint32_t nHeuristic, std::string_view strText)
         return;
     case SH_SEASNAKE:
         return ReadSeaSnake(strParams);
+    case SH_ZUGZWANGTRIANGLES:
+        return ReadTriangle(strParams);
+    case SH_ZUGZWANG:
+        return ReadZugzwang(strParams);
     default:
         if (!strParams.empty())
             Refuse(nHeuristic, strParams, "nothing");
@@ -170,20 +174,6 @@ void TParamReader::ReadLoseFigures(std::string_view strParams)
         else
             Refuse(SH_DONTLOSEANYFIGURES, strItem, "incl.pawns, incl.pawnsBeforePromo");
     }
-}
-
-void TParamReader::ReadSeaSnake(std::string_view strParams)
-{
-    THeuristicsParams& p = m_set.m_params;
-    const std::vector<std::string_view> vecItems = ItemsOf(strParams);
-    const auto nAfter = vecItems.size() < 3 ? std::optional(0) : NumberOf(vecItems[2], INT8_MAX);
-    if (vecItems.size() == 1 || vecItems.size() > 3 || !nAfter)
-        Refuse(SH_SEASNAKE, strParams, "approach square, turn back square, number of moves");
-    if (vecItems.empty())
-        return;
-    p.m_approachSquare = SquareOrNone(SH_SEASNAKE, vecItems[0]);
-    p.m_turnBackSquare = SquareOrNone(SH_SEASNAKE, vecItems[1]);
-    p.m_nSeaSnakeOnlyAfter = static_cast<std::int8_t>(*nAfter);
 }
 
 } // namespace corvina

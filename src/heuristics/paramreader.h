@@ -45,6 +45,8 @@ private:
     void ReadKeyDiagonal(std::string_view strParams);
     void ReadLoseFigures(std::string_view strParams);
     void ReadSeaSnake(std::string_view strParams);
+    void ReadTriangle(std::string_view strParams);
+    void ReadZugzwang(std::string_view strParams);
 
     /// False when the item is none of this kind.
     static bool ReadEdgeRelaxation(std::string_view strItem, TEdgeRelaxation& relaxation);

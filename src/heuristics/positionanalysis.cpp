@@ -28,10 +28,7 @@ void BeginSet(TAnalysis& a)
     if (HasReducedPosition(a.m_board))
         a.Set(SH_REDUCTIONTOGLOBREGPOS);
     ChooseMainDiagonal(a);
-    if (HasSeaSnake(a.m_board))
-        a.Set(SH_SEASNAKE);
-    if (HasZugzwang(a.m_board))
-        a.Set(SH_ZUGZWANG);
+    DetectZugzwangPatterns(a);
 }
 
 bool HasFewMen(const TAnalysis& a)
@@ -180,6 +177,7 @@ void FinishSet(TAnalysis& a)
     ChooseCorner(a);
     if (IsWhiteMaterialShort(a.m_board))
         a.Set(SH_SAVEQUEENROOK);
+    DropEdgeFormsOfSeaSnake(a);
     ForceSafeModeForLonePiece(a);
 }
 
@@ -204,6 +202,7 @@ void RunSteps(TAnalysis& a)
 void DropUnusedParams(THeuristicSet& set)
 {
     THeuristicSet used;
+    used.m_params.m_bSeaSnakeAnalysed = set.m_params.m_bSeaSnakeAnalysed;
     for (std::uint32_t nRest = set.m_nHeuristics; nRest; nRest &= nRest - 1)
         CopyParams(nRest & (0 - nRest), set, used);
     THeuristicsParams& p = used.m_params;
@@ -240,6 +239,9 @@ TPositionAnalysis CheckPositionType(const TChessboard& root)
     result.m_nWished = a.m_board.m_nHeuristics;
     result.m_set.m_nHeuristics = a.m_board.m_nHeuristics & IMPLEMENTED_HEURISTICS;
     result.m_set.m_params = a.m_params;
+    if (a.Has(SH_ZUGZWANG))
+        result.m_set.m_vecZugzwangMoves = a.m_request.m_heuristicSet.m_vecZugzwangMoves;
+    result.m_vecSeaSnakeMoves = a.m_vecSeaSnakeMoves;
     DropUnusedParams(result.m_set);
     result.m_nPositionFlags = a.m_board.m_nPositionFlags;
     result.m_bSafeMode = a.m_bSafeModeForced;
@@ -261,6 +263,7 @@ void TakeUpAnalysis(const TPositionAnalysis& analysis, TChessboard& root)
     params.m_bRunPass2 = before.m_bRunPass2;
     params.m_bEnableFallback = before.m_bEnableFallback;
     root.m_nPositionFlags = analysis.m_nPositionFlags;
+    request.m_vecSeaSnakeMoves = analysis.m_vecSeaSnakeMoves;
     if (analysis.m_bSafeMode)
         request.m_bSafeMode = true;
 }

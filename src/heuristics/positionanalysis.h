@@ -23,7 +23,8 @@ constexpr std::uint32_t IMPLEMENTED_HEURISTICS =
     SH_SAVEQUEENROOK | SH_DONTLETFIGUREUNBLOCK | SH_DONTLETPROMOTEDQUEENMOVE |
     SH_DONTLETPROMOTEDFIGUREMOVE | SH_KEYLINE | SH_KEYDIAGONAL | SH_DONTLETBLACKQUEENCHECKTWICE |
     SH_DONTLOSEANYFIGURES | SH_CAPTUREKNIGHT | SH_KEYWHITEFIGURE | SH_DONTLEAVEMAINDIAGONAL |
-    SH_SWEEPINGWHITEROOK | SH_SKIPWORSTWHITEMOVES;
+    SH_SWEEPINGWHITEROOK | SH_SKIPWORSTWHITEMOVES | SH_SEASNAKE | SH_ZUGZWANGTRIANGLES |
+    SH_ZUGZWANG;
 
 /// Tasks with fewer half-moves are solved sooner than they are analysed.
 constexpr int MIN_ANALYSED_PLIES = 11;
@@ -71,7 +72,8 @@ struct TPositionAnalysis
     THeuristicSet m_set;         ///< its parameters on the course of the run are untouched
     std::uint32_t m_nWished = 0; ///< the mask with the heuristics that have no test
     std::uint16_t m_nPositionFlags = 0;
-    bool m_bSafeMode = false; ///< Quick mode is no good for the position
+    bool m_bSafeMode = false;              ///< Quick mode is no good for the position
+    std::vector<TMove> m_vecSeaSnakeMoves; ///< TSolveRequest::m_vecSeaSnakeMoves
     TPositionFacts m_facts;
     std::vector<TTrial> m_vecTrials;
     std::uint64_t m_nPositions = 0; ///< moves made by all trials

@@ -49,4 +49,9 @@ EVerdict TestReducedPosition(TBlackMove& move)
     return AskGlobalRegister(reduced) == 0 ? EVerdict::Doubtful : EVerdict::Passes;
 }
 
+EVerdict TestZugzwangTriangle(TBlackMove& move)
+{
+    return move.Has(SH_REDUCTIONTOGLOBREGPOS) ? EVerdict::Passes : TestReducedPosition(move);
+}
+
 } // namespace corvina

@@ -40,7 +40,7 @@ TStepResult DropSeaSnake(TRelaxation& r)
 {
     if (!r.Has(SH_SEASNAKE))
         return std::nullopt;
-    if (!r.m_context.m_bSeaSnakeKeepsQuickMode && !r.m_bPlan && r.m_pRequest)
+    if (!r.m_context.m_bSeaSnakeQuickMode && !r.m_bPlan && r.m_pRequest)
         r.m_pRequest->m_bSafeMode = true;
     return r.Drop(SH_SEASNAKE);
 }

@@ -207,6 +207,8 @@ std::string GetHeuristicParamText(std::uint32_t nHeuristic, const TChessboard& b
         return CornerText(p.m_nCornerDistance);
     case SH_SEASNAKE:
         return SeaSnakeText(p);
+    case SH_ZUGZWANG:
+        return board.m_pRequest ? ZugzwangMovesText(board.m_pRequest->m_zugzwangMap) : "";
     default:
         return std::string();
     }

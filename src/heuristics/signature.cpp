@@ -89,7 +89,7 @@ void FoldHeuristic(TFold& fold, std::uint32_t nHeuristic, const TChessboard& boa
         fold.Add(board.m_moveFilter & TChessboard::FILTER_MODE_MASK);
         break;
     case SH_ZUGZWANGTRIANGLES:
-        fold.Add(p.m_aTriangleFields[0], p.m_aTriangleFields[1]);
+        fold.Add(p.m_aTriangleFields[0], p.m_aTriangleFields[1], p.m_triangleOrigin);
         break;
     case SH_DONTLEAVEMAINDIAGONAL:
         fold.Add(p.m_diagonalFigureSquare);
@@ -129,6 +129,10 @@ void FoldHeuristic(TFold& fold, std::uint32_t nHeuristic, const TChessboard& boa
     case SH_SEASNAKE:
         fold.Add(p.m_pendulumSquare1, p.m_pendulumSquare2, p.m_approachSquare, p.m_turnBackSquare,
                  p.m_nSeaSnakeOnlyAfter);
+        break;
+    case SH_ZUGZWANG:
+        fold.AddWide(static_cast<std::uint16_t>(p.m_nZugzwangKey));
+        fold.AddWide(static_cast<std::uint16_t>(p.m_nZugzwangKey >> 16));
         break;
     default:
         break;

@@ -108,6 +108,7 @@ public:
 private:
     /// Deeper than any node: a command that no node has served is served here.
     static constexpr std::uint16_t ABOVE_ALL_NODES = 65535;
+    static constexpr int WAIT_PERIOD = 100; ///< milliseconds
 
     /// Between two first moves: a command finds nothing to change. A report is left to the next
     /// node.
@@ -148,12 +149,29 @@ private:
         while (m_nRound < nRound) {
             if (m_request.m_bSolutionFound || (IsInLastPass() && m_run.m_root.m_nHeuristics == 0))
                 return false;
+            if (!WaitForOthers())
+                return false;
             Relax();
             if (IsInLastPass() && !m_context.m_bRunPass2)
                 return false;
             m_run.m_passes.GoOn(m_nRound++);
         }
         DescribePass();
+        return true;
+    }
+
+    /// A sea snake that no analysis has looked at may change what the threads share: they cross
+    /// into the next pass together. False when the thread is to stop.
+    bool WaitForOthers()
+    {
+        if (!(m_board.m_nHeuristics & SH_SEASNAKE) || m_context.m_bSeaSnakeAnalysed)
+            return true;
+        m_run.m_passes.Arrive(m_nRound);
+        while (!m_run.m_passes.HaveAllArrived(m_nRound)) {
+            if (m_run.m_bFoundEnough || m_request.IsStopped(m_context.m_nThreadId))
+                return false;
+            std::this_thread::sleep_for(std::chrono::milliseconds(WAIT_PERIOD));
+        }
         return true;
     }
 
@@ -274,7 +292,7 @@ private:
 
     TSearchResult Analyse(TMove move)
     {
-        if (RecedesFromBlackKing(m_board, move))
+        if (RecedesFromBlackKing(m_board, move) || IsOffZugzwangMap(m_board, move))
             return RESULT_DOUBTFUL;
         TChessboard& child = m_context.MakeChild(m_board);
         if (!child.MakeWhiteMove(&move))

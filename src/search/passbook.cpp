@@ -33,6 +33,22 @@ bool TPassBook::Describe(std::size_t nPass, const std::string& strName, const st
     return true;
 }
 
+void TPassBook::Arrive(std::size_t nPass)
+{
+    const std::lock_guard guard(m_mutex);
+    ++m_vecPasses[nPass].m_nArrived;
+}
+
+bool TPassBook::HaveAllArrived(std::size_t nPass)
+{
+    const std::lock_guard guard(m_mutex);
+    for (std::size_t i = 0; i < nPass; ++i) {
+        if (m_vecPasses[i].m_nThreads > 0)
+            return false;
+    }
+    return m_vecPasses[nPass].m_nThreads <= m_vecPasses[nPass].m_nArrived;
+}
+
 void TPassBook::GoOn(std::size_t nFrom)
 {
     const std::lock_guard guard(m_mutex);

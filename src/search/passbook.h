@@ -38,6 +38,11 @@ public:
     /// that.
     bool Describe(std::size_t nPass, const std::string& strName, const std::string& strSet);
 
+    /// The thread has come to the end of the pass and waits there for the others.
+    void Arrive(std::size_t nPass);
+    /// No thread is at work in the pass or in one before it.
+    bool HaveAllArrived(std::size_t nPass);
+
     void GoOn(std::size_t nFrom);  ///< the thread crosses into the next pass
     void Leave(std::size_t nPass); ///< the thread ends
     void CountDecision(std::size_t nPass);
@@ -50,6 +55,7 @@ private:
         TPassReport m_report;
         TClock::time_point m_start = TClock::now();
         int m_nThreads = 0;
+        int m_nArrived = 0; ///< of these, or of those that have gone on
     };
 
     void ReportEnded();

@@ -3,12 +3,43 @@
 #include "heuristics/blackmobility.h"
 #include "heuristics/blockedfigures.h"
 #include "heuristics/kingsurroundings.h"
+#include "heuristics/seasnake.h"
+#include "heuristics/triangles.h"
 #include "search/hooks.h"
 
 #include <bit>
 
 namespace corvina
 {
+namespace
+{
+
+/// What the heuristics of zugzwang need to know of the root beside what the set tells. Those for
+/// which the position has nothing leave the mask.
+void TakeUpZugzwang(TChessboard& root, THeuristicsParams& params)
+{
+    constexpr std::uint16_t FLAGS =
+        TChessboard::POSITION_PAWNWALK | TChessboard::POSITION_PREFERREDMOVES;
+    TSolveRequest& request = *root.m_pRequest;
+    root.m_nPositionFlags &= static_cast<std::uint16_t>(~FLAGS);
+    request.m_preferredMoves.Clear();
+    if (!(root.m_nHeuristics & SH_SEASNAKE) || !params.m_bDynamicSeaSnake)
+        request.m_vecSeaSnakeMoves.clear();
+    if (request.m_zugzwangMap.empty())
+        root.m_nHeuristics &= ~SH_ZUGZWANG;
+    if (root.m_nHeuristics & SH_SEASNAKE) {
+        CompleteSeaSnake(root, params);
+        root.m_nPositionFlags |= PawnWalkFlag(root, params);
+        PreferSeaSnakeTriangle(root, params);
+    }
+    if (root.m_nHeuristics & SH_ZUGZWANGTRIANGLES) {
+        if (params.m_triangleOrigin == NO_KEY_SQUARE)
+            DetectTriangles(root, params);
+        PreferTriangle(root, params);
+    }
+}
+
+} // namespace
 
 void TakeUpHeuristics(TChessboard& root)
 {
@@ -30,6 +61,7 @@ void TakeUpHeuristics(TChessboard& root)
     ApplyToRoot(request.m_heuristicSet, root);
     if (request.m_bPlain)
         root.m_nHeuristics = 0;
+    TakeUpZugzwang(root, params);
     // An empty set has nothing to relax.
     root.m_nPass = root.m_nHeuristics == 0 ? PASS_WITHOUT_HEURISTICS : PASS_WITH_HEURISTICS;
     request.m_bPassWithoutHeuristics = false;

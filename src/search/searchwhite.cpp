@@ -1,4 +1,6 @@
 #include "heuristics/keyfigure.h"
+#include "heuristics/narrowedlists.h"
+#include "heuristics/triangles.h"
 #include "search/fallback.h"
 #include "search/nodes.h"
 #include "search/ordering.h"
@@ -30,24 +32,32 @@ class TAllMoves
 public:
     int ListMoves(TChessboard& board, TMove* pMoves)
     {
-        int nMoves = ListKeyFigureMoves(board, pMoves);
-        m_bOnlyKeyFigure = nMoves != 0;
-        if (nMoves == 0)
+        const TNarrowedList narrowed = ListFewMoves(board, pMoves);
+        if (narrowed.m_bMate)
+            return LIST_MATES;
+        int nMoves = narrowed.m_nMoves;
+        if (nMoves != 0)
+            m_nNarrowedBy = narrowed.m_nReason;
+        else
             nMoves = board.GenerateWhiteMoves(pMoves);
         if (board.m_nMoves < MIN_SORTED_DEPTH)
             return nMoves;
-        return IsFullySorted(board) ? SortWhiteMoves(board, pMoves, nMoves, &m_nLeftOut)
-                                    : SortWhiteMovesCheap(board, pMoves, nMoves);
+        if (!IsFullySorted(board))
+            return SortWhiteMovesCheap(board, pMoves, nMoves);
+        nMoves = SortWhiteMoves(board, pMoves, nMoves, &m_nLeftOut);
+        if (ContextOf(board).m_triangleOrigin != NO_KEY_SQUARE && FitsTriangle(board))
+            MoveTriangleMovesFirst(board, nMoves, pMoves);
+        return nMoves;
     }
 
     /// None; but those that have been left out make the node doubtful.
     int ListMoreMoves(TChessboard& board, TMove*, int, int* pnDoubtful)
     {
-        if (m_nLeftOut == 0 && !m_bOnlyKeyFigure)
+        if (m_nLeftOut == 0 && m_nNarrowedBy == 0)
             return 0;
-        *pnDoubtful += m_nLeftOut + m_bOnlyKeyFigure;
+        *pnDoubtful += m_nLeftOut + (m_nNarrowedBy != 0);
         TThreadContext& context = ContextOf(board);
-        context.m_nDoubtReason = m_bOnlyKeyFigure ? SH_KEYWHITEFIGURE : SH_SKIPWORSTWHITEMOVES;
+        context.m_nDoubtReason = m_nNarrowedBy ? m_nNarrowedBy : SH_SKIPWORSTWHITEMOVES;
         ++context.m_anCuts[std::countr_zero(context.m_nDoubtReason)];
         return 0;
     }
@@ -70,6 +80,17 @@ public:
     }
 
 private:
+    /// The moves of the first heuristic that has some of its own; none: all are to be tried.
+    static TNarrowedList ListFewMoves(TChessboard& board, TMove* pMoves)
+    {
+        if ((board.m_nHeuristics & NARROWING_MASK) && board.m_nPass == 1) {
+            const TNarrowedList narrowed = ListNarrowedMoves(board, pMoves);
+            if (narrowed.m_bMate || narrowed.m_nMoves != 0)
+                return narrowed;
+        }
+        return {ListKeyFigureMoves(board, pMoves), SH_KEYWHITEFIGURE, false};
+    }
+
     /// What White waits with while his pinning figure holds Black, where the set asks for it; else
     /// none.
     static int ListKeyFigureMoves(const TChessboard& board, TMove* pMoves)
@@ -80,8 +101,8 @@ private:
         return bAsked ? GetKeyFigureMove(board, pMoves) : 0;
     }
 
-    int m_nLeftOut = 0;            ///< moves that the sort has cut off
-    bool m_bOnlyKeyFigure = false; ///< the others have been left out
+    int m_nLeftOut = 0;              ///< moves that the sort has cut off
+    std::uint32_t m_nNarrowedBy = 0; ///< the heuristic that has left the others out
 };
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "search/shortmate.h"
 
 #include "chess/sides.h"
+#include "heuristics/heuristicbits.h"
 #include "search/nodes.h"
 #include "search/ordering.h"
 #include "search/registeraccess.h"
@@ -285,10 +286,18 @@ bool IsMateInThree(TChessboard& board)
     return AnyMoveMates(board, AllRepliesAllowMateInTwo);
 }
 
+/// Black has only waited after a move that brings about the zugzwang: a short mate would have been
+/// there before.
+static bool IsWaitedForZugzwang(const TChessboard& board)
+{
+    return (board.m_nHeuristics & SH_ZUGZWANG) && board.m_nMoves + 2 == board.m_nInitialMoves &&
+           board.m_pRequest->m_shLookForQuickerMateDepth < 0 && IsZugzwangReturn(board);
+}
+
 bool LookForQuickerMate(TChessboard& board)
 {
     TThreadContext& context = ContextOf(board);
-    if (context.m_bNoQuickerMate)
+    if (context.m_bNoQuickerMate || IsWaitedForZugzwang(board))
         return false;
     return TQuickerMate(board).Search(std::min<int>(board.m_nMoves, ChooseQuickerMateDepth(board)));
 }

@@ -2,6 +2,8 @@
 #define CORVINA_SEARCH_SOLVEREQUEST_H
 
 #include "heuristics/heuristicset.h"
+#include "heuristics/preferredmoves.h"
+#include "heuristics/zugzwangmap.h"
 #include "problems/problem.h"
 #include "registers/aggregatedregister.h"
 #include "registers/registerhost.h"
@@ -72,8 +74,12 @@ struct TSolveRequest : TProblem, TStopBlock, TRegisterHost
     std::atomic<bool> m_bSafeMode{false}; ///< a relaxation of any thread may turn it on
 
     THeuristicSet m_heuristicSet; ///< that the run begins with
-    bool m_bProofSearch = false;  ///< a search for the first solution has a scout beside it
-    bool m_bAnalyse = false;      ///< the run chooses its set itself, if it is long enough for that
+    TZugzwangMap m_zugzwangMap;   ///< of SH_ZUGZWANG; nobody writes to it during a pass
+    /// Of SH_SEASNAKE: what White's second move is narrowed to; empty: nothing.
+    std::vector<TMove> m_vecSeaSnakeMoves;
+    TPreferredMoves m_preferredMoves; ///< behind POSITION_PREFERREDMOVES
+    bool m_bProofSearch = false;      ///< a search for the first solution has a scout beside it
+    bool m_bAnalyse = false; ///< the run chooses its set itself, if it is long enough for that
     std::optional<double> m_analysisSeconds; ///< that the choice has taken; empty: none was made
     TSortIndications m_mapSortIndications; ///< of the run: the problem's and those of its variants
 

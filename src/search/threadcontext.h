@@ -87,6 +87,15 @@ public:
     std::uint8_t m_nUnblockIndex = 0;        ///< of the listed figure that moved last
     std::uint16_t m_nDlfuDynamicDepth = 0;   ///< m_nMoves at the first addition to the list
 
+    /// SH_SEASNAKE: White pawns next to which a Black pawn has left its file; the walk may use the
+    /// squares around them.
+    static constexpr int MAX_TURN_BACK_SQUARES = 23;
+    std::array<std::uint8_t, MAX_TURN_BACK_SQUARES> m_dynamicTurnBackSquares{};
+    std::uint8_t m_nDynamicTurnBackSquares = 0;
+
+    /// SH_ZUGZWANGTRIANGLES: the latest move that mated under it.
+    TMove m_triangleMate{};
+
     /// The heuristic that made the last result doubtful; 0 and -1: the register said so.
     std::uint32_t m_nDoubtReason = 0;
     std::uint8_t m_nHookNesting = 0;          ///< hooks of Black's moves that are open

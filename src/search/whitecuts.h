@@ -4,6 +4,7 @@
 #include "chess/geometry.h"
 #include "heuristics/heuristicbits.h"
 #include "heuristics/lastmoves.h"
+#include "heuristics/zugzwangmap.h"
 #include "search/hooks.h"
 #include "search/threadcontext.h"
 
@@ -29,6 +30,18 @@ inline bool RecedesFromBlackKing(const TChessboard& board, const TMove& move)
     TThreadContext& context = ContextOf(board);
     context.m_nDoubtReason = SH_DONTRECEDEBLACKKING;
     ++context.m_anCuts[std::countr_zero(SH_DONTRECEDEBLACKKING)];
+    return true;
+}
+
+/// With SH_ZUGZWANG: a first move that isn't on the map.
+inline bool IsOffZugzwangMap(const TChessboard& root, const TMove& move)
+{
+    if (!(root.m_nHeuristics & SH_ZUGZWANG) || root.m_nPass != 1 ||
+        IsZugzwangAllowedMove(root, move))
+        return false;
+    TThreadContext& context = ContextOf(root);
+    context.m_nDoubtReason = SH_ZUGZWANG;
+    ++context.m_anCuts[std::countr_zero(SH_ZUGZWANG)];
     return true;
 }
 

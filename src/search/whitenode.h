@@ -1,6 +1,7 @@
 #ifndef CORVINA_SEARCH_WHITENODE_H
 #define CORVINA_SEARCH_WHITENODE_H
 
+#include "heuristics/heuristicbits.h"
 #include "search/hooks.h"
 #include "search/line.h"
 #include "search/registeraccess.h"
@@ -16,10 +17,13 @@
 namespace corvina
 {
 
+/// Answer of TKind::ListMoves below.
+constexpr int LIST_MATES = -1;
+
 /// A node at White's move. TKind is what one search does differently from another:
 ///
 ///     int ListMoves(TChessboard& board, TMove* pMoves);
-///         the moves to try first, in their order
+///         the moves to try first, in their order; LIST_MATES: none, White mates in time
 ///     int ListMoreMoves(TChessboard& board, TMove* pMoves, int nMoves, int* pnDoubtful);
 ///         those to try when the nMoves of the list have failed, appended, until none are left;
 ///         *pnDoubtful rises when moves are left out
@@ -55,7 +59,7 @@ public:
             return RESULT_NO_MATE;
         m_anRepeat[m_nDepth + 1] = 0;
         const TSearchResult nResult = SearchMoves();
-        return nResult == RESULT_MATE ? OnMate() : nResult;
+        return nResult == RESULT_MATE && !m_bListMates ? OnMate() : nResult;
     }
 
 private:
@@ -119,6 +123,9 @@ private:
         TMoveList moves;
         const TShownList shown(m_context, m_nDepth);
         int nMoves = m_kind.ListMoves(m_board, moves.data());
+        m_bListMates = nMoves == LIST_MATES;
+        if (m_bListMates)
+            return RESULT_MATE;
         for (int nDone = 0;;) {
             const TSearchResult nResult = TryMoves(moves.data(), nDone, nMoves);
             if (nResult != RESULT_NO_MATE)
@@ -266,6 +273,8 @@ private:
         if (m_board.m_LastMove.PromotionKind() && m_board.m_pParent &&
             m_mate.m_to == m_board.m_LastMove.m_to)
             StoreForAllPromotions();
+        if (m_board.m_nHeuristics & SH_ZUGZWANGTRIANGLES)
+            m_context.m_triangleMate = m_mate;
         if (m_bRegister)
             StoreCertain(m_board, MateDepth(), true);
         return RESULT_MATE;
@@ -294,9 +303,10 @@ private:
     const std::uint16_t m_nDepth;
     std::vector<std::uint16_t>& m_anRepeat; ///< by depth plus one
     bool m_bRegister = false;
-    bool m_bStopped = false; ///< within the list, by a stop or a command
-    int m_nDoubtful = 0;     ///< moves that were cut or came back doubtful
-    int m_nRepetition = 0;   ///< moves that lean on a repetition
+    bool m_bStopped = false;   ///< within the list, by a stop or a command
+    bool m_bListMates = false; ///< the list itself has proved the mate
+    int m_nDoubtful = 0;       ///< moves that were cut or came back doubtful
+    int m_nRepetition = 0;     ///< moves that lean on a repetition
     TMove m_mate{};
 };
 

@@ -82,6 +82,9 @@ private:
             if (const auto nIndicated = m_indications.Score(child))
                 return nIndicated;
         }
+        if ((m_board.m_nPositionFlags & TChessboard::POSITION_PREFERREDMOVES) &&
+            m_request.m_preferredMoves.Contains(m_board, move))
+            return SCORE_BEST;
         if (m_request.m_nOrderSeed == 0 && IsKiller(m_killer, m_board, move))
             return SCORE_ALL_MATED;
         return std::nullopt;

@@ -70,8 +70,9 @@ TEST(Cli, SolveExitCodesAndMessages)
         {"solve --help", 0, "--json"},
         {"--help", 0, "perft"},
         {"perft --version", 0, "corvina-cli "},
-        {"plan --fen k7/8/8/8/8/8/8/1R1K4 --mate 20 --heuristics SH_AREKINGSNEAR,SH_ZUGZWANG", 0,
-         "Pass 1: SH_AREKINGSNEAR, SH_ZUGZWANG\n\nPass 1b: SH_AREKINGSNEAR\n"},
+        {"plan --fen k7/8/8/8/8/8/8/1R1K4 --mate 20 --heuristics "
+         "'SH_AREKINGSNEAR,SH_ZUGZWANG(Kd1-d2)'",
+         0, "Pass 1: SH_AREKINGSNEAR, SH_ZUGZWANG(Kd1-d2)\n\nPass 1b: SH_AREKINGSNEAR\n"},
         {"plan --fen k7/8/8/8/8/8/8/1R1K4 --mate 20 --heuristics none", 0,
          "No heuristics selected.\n"},
         {"plan --fen k7/8/8/8/8/8/8/1R1K4 --mate 20 --heuristics SH_KEYLINE", 2,
