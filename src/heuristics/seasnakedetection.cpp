@@ -1,14 +1,11 @@
-#include "heuristics/attacksets.h"
-#include "heuristics/blackmobility.h"
 #include "heuristics/kingsurroundings.h"
 #include "heuristics/seasnake.h"
+#include "heuristics/seasnakewalk.h"
 #include "heuristics/tempo.h"
 #include "heuristics/triangles.h"
 #include "search/solverequest.h"
 
 #include <algorithm>
-#include <array>
-#include <bit>
 
 namespace corvina
 {
@@ -16,254 +13,6 @@ namespace
 {
 
 constexpr int MIN_PLIES = 15;
-constexpr int UNREACHED = 64;
-
-/// The figure, and the two squares between which it swings.
-struct TPendulum
-{
-    TFigure m_figure = NO_FIGURE;
-    TSquare m_here = NO_SQUARE, m_there = NO_SQUARE;
-
-    bool IsFound() const { return m_figure != NO_FIGURE; }
-};
-
-/// The only figure that Black can move, with the only square to which it can go; nothing when the
-/// king can move too.
-TPendulum FindSwing(const TChessboard& board, TBlackMobility* pMobility = nullptr)
-{
-    const TBlackMobility mobility = FindBlackMobility(board);
-    if (pMobility)
-        *pMobility = mobility;
-    if (mobility.m_nKingMoves != 0 || !std::has_single_bit(mobility.m_figures) ||
-        !std::has_single_bit(mobility.m_targets))
-        return {};
-    const TSquare here = LowestSquare(mobility.m_figures), there = LowestSquare(mobility.m_targets);
-    if (board.m_board[there] != NO_FIGURE)
-        return {};
-    return {board.m_board[here], here, there};
-}
-
-/// The position with the pendulum's figure on its other square; the record has no line.
-TChessboard Swung(const TChessboard& board, const TPendulum& pendulum)
-{
-    TChessboard swung = board;
-    swung.m_pParent = nullptr;
-    swung.m_board[pendulum.m_here] = NO_FIGURE;
-    swung.m_board[pendulum.m_there] = pendulum.m_figure;
-    swung.m_LastMove = {pendulum.m_here, pendulum.m_there, 0, 0};
-    const TSquare king = swung.WhiteKing();
-    swung.m_whiteChecker = swung.GetWhiteKingChecker(static_cast<std::int8_t>(FileOf(king)),
-                                                     static_cast<std::int8_t>(RowOf(king)));
-    return swung;
-}
-
-/// It swings there and back, without check, and White can't take it on either square.
-TPendulum FindPendulum(const TChessboard& board, TBlackMobility* pMobility)
-{
-    const TPendulum pendulum = FindSwing(board, pMobility);
-    if (!pendulum.IsFound() || IsAttackedBy<EColour::White>(board, pendulum.m_here))
-        return {};
-    const TChessboard swung = Swung(board, pendulum);
-    if (swung.m_whiteChecker != NO_CHECK || IsAttackedBy<EColour::White>(swung, pendulum.m_there))
-        return {};
-    const TPendulum back = FindSwing(swung);
-    return back.m_here == pendulum.m_there && back.m_there == pendulum.m_here ? pendulum
-                                                                              : TPendulum{};
-}
-
-/// Where the White king can walk while the pendulum swings.
-class TRealm
-{
-public:
-    TRealm(const TChessboard& board, const TPendulum& pendulum)
-        : m_board(board), m_swung(Swung(board, pendulum)), m_king(board.WhiteKing())
-    {
-        m_free = ~(Men(board) | Men(m_swung)) & ~(Attacks(m_board) | Attacks(m_swung));
-        m_free |= Bit(m_king);
-    }
-
-    TSquareSet Free() const { return m_free; }
-
-    /// Is the square safe for the king, the pendulum's figure standing on `figure`?
-    bool IsSafeWith(TSquare square, TSquare figure, const TPendulum& pendulum) const
-    {
-        const TChessboard& board = figure == pendulum.m_here ? m_board : m_swung;
-        return !((Men(board) | Attacks(board)) & Bit(square)) || square == m_king;
-    }
-
-    bool IsGuardedByBlack(TSquare square, TSquare figure, const TPendulum& pendulum) const
-    {
-        const TChessboard& board = figure == pendulum.m_here ? m_board : m_swung;
-        return IsAttackedBy<EColour::Black>(board, square);
-    }
-
-    /// King's moves from a square to each of the others, over the free squares.
-    std::array<std::uint8_t, 64> StepsFrom(TSquare from) const
-    {
-        std::array<std::uint8_t, 64> anSteps;
-        anSteps.fill(UNREACHED);
-        anSteps[from] = 0;
-        TSquareSet reached = Bit(from), front = reached;
-        for (std::uint8_t nSteps = 1; front; ++nSteps) {
-            TSquareSet next = 0;
-            while (front)
-                next |= KingZone(PopLowestSquare(front));
-            front = next & m_free & ~reached;
-            reached |= front;
-            for (TSquareSet rest = front; rest;)
-                anSteps[PopLowestSquare(rest)] = nSteps;
-        }
-        return anSteps;
-    }
-
-private:
-    /// White's figures may step out of the king's way, his pawns and Black's men don't.
-    static TSquareSet Men(const TChessboard& board)
-    {
-        return TSide<EColour::Black>::Figures(board.m_board) |
-               TSets::Equal(board.m_board, WHITE_PAWN);
-    }
-
-    static TSquareSet Attacks(const TChessboard& board)
-    {
-        return AttackedSquares<EColour::Black>(board, TSets::Occupied(board.m_board) &
-                                                          ~Bit(board.WhiteKing()));
-    }
-
-    const TChessboard& m_board;
-    const TChessboard m_swung;
-    const TSquare m_king;
-    TSquareSet m_free;
-};
-
-/// A way to take the pendulum's square away: the king's square, and the one that he attacks.
-struct TApproach
-{
-    TSquare m_square = NO_SQUARE;
-    TSquare m_attacked = NO_SQUARE;
-    TSquare m_other = NO_SQUARE;
-    int m_nSteps = UNREACHED;
-};
-
-/// The king attacks one of the squares while the figure stands on the other, and no free square
-/// next to him does: White can't keep up the zugzwang by a step aside.
-void TryApproach(const TRealm& realm, const TPendulum& pendulum, TSquare attacked, TSquare other,
-                 const std::array<std::uint8_t, 64>& anSteps, TApproach& best)
-{
-    if (realm.IsGuardedByBlack(attacked, attacked, pendulum))
-        return;
-    TSquareSet squares = KingZone(attacked);
-    while (squares) {
-        const TSquare square = PopLowestSquare(squares);
-        const TSquareSet around = KingZone(square) & realm.Free();
-        if (!realm.IsSafeWith(square, other, pendulum) || !around || (around & KingZone(attacked)))
-            continue;
-        int nSteps = anSteps[square];
-        for (TSquareSet rest = around; rest;)
-            nSteps = std::min(nSteps, anSteps[PopLowestSquare(rest)] + 1);
-        if (nSteps < best.m_nSteps)
-            best = {square, attacked, other, nSteps};
-    }
-}
-
-TApproach FindApproach(const TRealm& realm, const TPendulum& pendulum, TSquare king)
-{
-    const auto anSteps = realm.StepsFrom(king);
-    TApproach best;
-    TryApproach(realm, pendulum, pendulum.m_here, pendulum.m_there, anSteps, best);
-    TryApproach(realm, pendulum, pendulum.m_there, pendulum.m_here, anSteps, best);
-    return best;
-}
-
-/// Three free squares next to each other, the nearest one first.
-struct TTriangle
-{
-    std::array<TSquare, 3> m_aSquares{NO_SQUARE, NO_SQUARE, NO_SQUARE};
-    int m_nSum = 3 * UNREACHED; ///< of the steps from the approach square
-};
-
-TTriangle FindTriangle(TSquareSet squares, const std::array<std::uint8_t, 64>& anSteps)
-{
-    TTriangle best;
-    for (TSquareSet first = squares; first;) {
-        const TSquare a = PopLowestSquare(first);
-        for (TSquareSet second = KingZone(a) & first; second;) {
-            const TSquare b = PopLowestSquare(second);
-            for (TSquareSet third = KingZone(a) & KingZone(b) & second; third;) {
-                const TSquare c = PopLowestSquare(third);
-                const int nSum = anSteps[a] + anSteps[b] + anSteps[c];
-                if (nSum < best.m_nSum)
-                    best = {{a, b, c}, nSum};
-            }
-        }
-    }
-    std::stable_sort(best.m_aSquares.begin(), best.m_aSquares.end(), [&](TSquare a, TSquare b) {
-        return a != NO_SQUARE && anSteps[a] < anSteps[b];
-    });
-    return best;
-}
-
-bool AddWalkSquare(TSeaSnake& snake, TSquare square)
-{
-    const std::uint8_t* pEnd = snake.m_walkSquares + snake.m_nWalkSquares;
-    if (std::find<const std::uint8_t*>(snake.m_walkSquares, pEnd, square) != pEnd)
-        return true;
-    if (snake.m_nWalkSquares == MAX_SEASNAKE_WALK)
-        return false;
-    snake.m_walkSquares[snake.m_nWalkSquares++] = square;
-    return true;
-}
-
-/// The shortest way between two squares, the first one included; false when it is too long.
-bool AddPath(const TRealm& realm, TSquare from, TSquare to, TSeaSnake& snake)
-{
-    const auto anSteps = realm.StepsFrom(to);
-    TSquare at = from;
-    while (at != to) {
-        if (!AddWalkSquare(snake, at))
-            return false;
-        TSquareSet next = KingZone(at) & (realm.Free() | Bit(to));
-        TSquare best = NO_SQUARE;
-        while (next) {
-            const TSquare square = PopLowestSquare(next);
-            if (best == NO_SQUARE || anSteps[square] < anSteps[best])
-                best = square;
-        }
-        if (best == NO_SQUARE || anSteps[best] == UNREACHED)
-            return false;
-        at = best;
-    }
-    return true;
-}
-
-/// The way from the approach square to the triangle on which the king loses a tempo. A turn-back
-/// square that is given must be one of the triangle.
-bool FindWalk(const TRealm& realm, TSeaSnake& snake)
-{
-    const TSquare approach = snake.m_approachSquare;
-    const auto anSteps = realm.StepsFrom(approach);
-    TSquareSet reachable = Bit(approach);
-    for (TSquare square = 0; square < 64; ++square) {
-        if (anSteps[square] != UNREACHED)
-            reachable |= Bit(square);
-    }
-    if (snake.m_turnBackSquare != NO_KEY_SQUARE)
-        reachable &= KingZone(snake.m_turnBackSquare) | Bit(snake.m_turnBackSquare);
-    const TTriangle triangle = FindTriangle(reachable, anSteps);
-    if (triangle.m_aSquares[0] == NO_SQUARE)
-        return false;
-    std::copy(triangle.m_aSquares.begin(), triangle.m_aSquares.end(), snake.m_triangleSquares);
-    if (!AddPath(realm, approach, triangle.m_aSquares[0], snake))
-        return false;
-    snake.m_nPathSquares = snake.m_nWalkSquares;
-    for (const TSquare square : triangle.m_aSquares) {
-        if (!AddWalkSquare(snake, square))
-            return false;
-    }
-    if (snake.m_turnBackSquare == NO_KEY_SQUARE)
-        snake.m_turnBackSquare = triangle.m_aSquares[2];
-    return true;
-}
 
 TSquareSet WalkOf(const TSeaSnake& snake)
 {
@@ -341,6 +90,8 @@ bool DetectOn(const TChessboard& board, THeuristicsParams& p)
         return false;
     p.m_nSeaSnakeStartMoves = static_cast<std::uint8_t>(approach.m_nSteps);
     p.m_nBlackPawnMoves = static_cast<std::uint8_t>(std::min(mobility.m_nMoves - 1, 255));
+    // Nothing but the swing: a position that comes back is no progress.
+    p.m_bSeaSnakeQuickMode = p.m_nBlackPawnMoves == 0;
     FillSurroundings(board, p);
     return true;
 }
@@ -385,7 +136,7 @@ void ClearSeaSnake(THeuristicsParams& params)
 {
     static_cast<TSeaSnake&>(params) = TSeaSnake{};
     params.m_nPawnGuards = params.m_nSeaSnakeOrigins = 0;
-    params.m_bDynamicSeaSnake = params.m_bEdgeFormsOff = false;
+    params.m_bDynamicSeaSnake = params.m_bEdgeFormsOff = params.m_bSeaSnakeQuickMode = false;
 }
 
 bool HasPendulumSquares(const TSeaSnake& snake)

@@ -26,12 +26,6 @@ bool HasOnlyMajors(const TChessboard& board)
     return nMajors == std::popcount(TSets::Occupied(board.m_board)) - 2;
 }
 
-/// Black, to move, can step out or check with a figure next to his king.
-bool HasBlackWayOut(const TChessboard& board)
-{
-    return !board.IsWhiteToMove() && FreeKingSquareSet(board) != 0;
-}
-
 /// Black's king moves, or more than one of his figures, or one that has a choice.
 bool IsMobile(const TBlackMobility& mobility)
 {
@@ -141,9 +135,9 @@ bool DetectTriangles(const TChessboard& root, THeuristicsParams& params)
     params.m_triangleOrigin = NO_KEY_SQUARE;
     params.m_aTriangleFields[0] = params.m_aTriangleFields[1] = 0;
     if (root.m_nMoves < MIN_PLIES || !root.IsWhiteToMove() || root.m_whiteChecker != NO_CHECK ||
-        HasOnlyMajors(root) || HasBlackWayOut(root) || HasRunningPawn(root) || !IsHeld(root, true))
+        HasOnlyMajors(root) || HasRunningPawn(root) || !IsHeld(root, true) || HasWhiteTempo(root))
         return false;
-    return FindTriangleOf(root, root.WhiteKing(), params) && !HasWhiteTempo(root);
+    return FindTriangleOf(root, root.WhiteKing(), params);
 }
 
 bool FitsTriangle(const TChessboard& board)

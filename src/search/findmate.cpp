@@ -108,7 +108,7 @@ public:
 private:
     /// Deeper than any node: a command that no node has served is served here.
     static constexpr std::uint16_t ABOVE_ALL_NODES = 65535;
-    static constexpr int WAIT_PERIOD = 100; ///< milliseconds
+    static constexpr int MAX_WAIT = 100; ///< milliseconds between two looks at the others
 
     /// Between two first moves: a command finds nothing to change. A report is left to the next
     /// node.
@@ -167,10 +167,11 @@ private:
         if (!(m_board.m_nHeuristics & SH_SEASNAKE) || m_context.m_bSeaSnakeAnalysed)
             return true;
         m_run.m_passes.Arrive(m_nRound);
-        while (!m_run.m_passes.HaveAllArrived(m_nRound)) {
+        for (int nWait = 1; !m_run.m_passes.HaveAllArrived(m_nRound);
+             nWait = std::min(2 * nWait, MAX_WAIT)) {
             if (m_run.m_bFoundEnough || m_request.IsStopped(m_context.m_nThreadId))
                 return false;
-            std::this_thread::sleep_for(std::chrono::milliseconds(WAIT_PERIOD));
+            std::this_thread::sleep_for(std::chrono::milliseconds(nWait));
         }
         return true;
     }

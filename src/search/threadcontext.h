@@ -93,9 +93,6 @@ public:
     std::array<std::uint8_t, MAX_TURN_BACK_SQUARES> m_dynamicTurnBackSquares{};
     std::uint8_t m_nDynamicTurnBackSquares = 0;
 
-    /// SH_ZUGZWANGTRIANGLES: the latest move that mated under it.
-    TMove m_triangleMate{};
-
     /// The heuristic that made the last result doubtful; 0 and -1: the register said so.
     std::uint32_t m_nDoubtReason = 0;
     std::uint8_t m_nHookNesting = 0;          ///< hooks of Black's moves that are open

@@ -1,7 +1,6 @@
 #ifndef CORVINA_SEARCH_WHITENODE_H
 #define CORVINA_SEARCH_WHITENODE_H
 
-#include "heuristics/heuristicbits.h"
 #include "search/hooks.h"
 #include "search/line.h"
 #include "search/registeraccess.h"
@@ -273,8 +272,6 @@ private:
         if (m_board.m_LastMove.PromotionKind() && m_board.m_pParent &&
             m_mate.m_to == m_board.m_LastMove.m_to)
             StoreForAllPromotions();
-        if (m_board.m_nHeuristics & SH_ZUGZWANGTRIANGLES)
-            m_context.m_triangleMate = m_mate;
         if (m_bRegister)
             StoreCertain(m_board, MateDepth(), true);
         return RESULT_MATE;
