@@ -358,6 +358,7 @@ TRunSettings ApplyOptions(const TOptions& options, TSolveRequest& request)
     TRunSettings settings;
     settings.m_bQuickMode = options.m_bQuickMode;
     settings.m_nMainVariantUse = options.m_nUseMainVariantAsSortIndications;
+    settings.m_bUsePredefinedSettings = options.m_nUsePredefinedIndications != 0;
     return settings;
 }
 

@@ -140,6 +140,7 @@ private:
     void RunProblem(TSolveRequest& request)
     {
         request.m_pCurrentBoard = request.m_pChessboard.get();
+        request.OnMessage = m_settings.m_onMessage;
         bool bSolved = false;
         if (HasRequiredData(request)) {
             if (!(request.m_nRunOptions & RUN_MIRRORONLY))

@@ -39,6 +39,9 @@ struct TRegressionSettings
     /// Told of each text as it is added to the log.
     std::function<void(const std::string& strText)> m_onLine;
 
+    /// Told of what the user should see while a problem is solved all the same.
+    std::function<void(const std::string& strText)> m_onMessage;
+
     /// Told of a problem that could not be solved, and why. There is no line for it in the log.
     std::function<void(const TProblem& problem, const std::string& strReason)> m_onError;
 };

@@ -1,6 +1,7 @@
 #include "chess/fen.h"
 #include "cli/commands.h"
 #include "cli/fileoptions.h"
+#include "cli/knowncomposition.h"
 
 #include <CLI/CLI.hpp>
 
@@ -12,6 +13,7 @@ namespace
 struct TCheckArguments
 {
     std::string m_strFile;
+    std::optional<int> m_predefined;
     TProblemFileSettings m_settings;
 };
 
@@ -31,7 +33,7 @@ std::string StipulationText(const TProblem& problem)
 }
 
 /// "12. 8/8/8/4k3/8/8/8/Q3K3, #3, 1 solution in the answer, 2 tags".
-void PrintProblem(const TProblem& problem)
+void PrintProblem(const TProblem& problem, const TOptions& options)
 {
     std::size_t nHints = 0;
     for (const auto& [nMoveNumber, vecItems] : problem.m_sortIndications.m_mapItems)
@@ -44,12 +46,14 @@ void PrintProblem(const TProblem& problem)
                        : Counted(problem.m_vecExpectedSolutions.size(), "answer");
     strLine += Counted(problem.m_setTags.size(), "tag") +
                Counted(problem.m_mapVariants.size(), "variant") +
-               Counted(nHints, "sort indication");
+               Counted(nHints, "sort indication") + MarkText(options, *problem.m_pChessboard, ", ");
     std::printf("%s\n", strLine.c_str());
 }
 
-int RunCheck(const TCheckArguments& arguments)
+int RunCheck(TCheckArguments& arguments)
 {
+    TOptions options = ReadProgramOptions(arguments.m_settings);
+    ApplyPredefinedOption(arguments.m_predefined, options);
     TProblemCollection collection;
     int nExitCode = 0;
     try {
@@ -60,7 +64,7 @@ int RunCheck(const TCheckArguments& arguments)
         nExitCode = EXIT_BAD_INPUT;
     }
     for (const auto& [nNumber, pProblem] : collection.m_mapProblems)
-        PrintProblem(*pProblem);
+        PrintProblem(*pProblem, options);
     std::printf("%zu problem%s read\n", collection.m_mapProblems.size(),
                 collection.m_mapProblems.size() == 1 ? "" : "s");
     return nExitCode;
@@ -75,6 +79,7 @@ void AddCheckCommand(CLI::App& app, int& nExitCode)
         "check",
         "Read a problem file and list its problems; what is wrong is told with its place.");
     pCommand->add_option("file", pArguments->m_strFile, "the problem file")->required();
+    AddPredefinedOption(*pCommand, pArguments->m_predefined);
     AddFileOptions(*pCommand, pArguments->m_settings);
     pCommand->callback([pArguments, &nExitCode] { nExitCode = RunCheck(*pArguments); });
 }

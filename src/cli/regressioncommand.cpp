@@ -1,6 +1,7 @@
 #include "app/regression.h"
 #include "cli/commands.h"
 #include "cli/fileoptions.h"
+#include "cli/knowncomposition.h"
 #include "platform/appfolder.h"
 #include "platform/watchdog.h"
 
@@ -17,6 +18,7 @@ struct TRegressionArguments
 {
     std::string m_strFile;
     std::string m_strLog;
+    std::optional<int> m_predefined;
     TProblemFileSettings m_fileSettings;
     TRegressionSettings m_settings;
 };
@@ -25,11 +27,15 @@ int RunRegression(TRegressionArguments& arguments)
 {
     TRegressionSettings& settings = arguments.m_settings;
     settings.m_options = ReadProgramOptions(arguments.m_fileSettings);
+    ApplyPredefinedOption(arguments.m_predefined, settings.m_options);
     settings.m_logPath = arguments.m_strLog.empty() ? GetAppFolder() / "RegressionTest.log"
                                                     : std::filesystem::path(arguments.m_strLog);
     settings.m_onLine = [](const std::string& strText) {
         std::fputs(strText.c_str(), stdout);
         std::fflush(stdout);
+    };
+    settings.m_onMessage = [](const std::string& strText) {
+        std::fprintf(stderr, "%s\n", strText.c_str());
     };
     settings.m_onError = [](const TProblem& problem, const std::string& strReason) {
         std::fprintf(stderr, "Problem %d: %s\n", problem.m_nProblemNumber, strReason.c_str());
@@ -72,6 +78,7 @@ void AddRegressionCommand(CLI::App& app, int& nExitCode)
         ->add_option("--threads", settings.m_nThreads,
                      "threads for problems that don't ask for a number (1)")
         ->check(CLI::Range(1, 64));
+    AddPredefinedOption(*pCommand, pArguments->m_predefined);
     AddFileOptions(*pCommand, pArguments->m_fileSettings);
     pCommand->callback([pArguments, &nExitCode] { nExitCode = RunRegression(*pArguments); });
 }

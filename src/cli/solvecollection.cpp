@@ -4,6 +4,7 @@
 #include "chess/moveset.h"
 #include "cli/commands.h"
 #include "cli/fileoptions.h"
+#include "cli/knowncomposition.h"
 #include "platform/encoding.h"
 #include "platform/watchdog.h"
 
@@ -53,22 +54,25 @@ std::string VerdictText(const TSolveRequest& request, EVerdict verdict)
     return ", but the answer is " + (strAnswer.empty() ? "no solution" : strAnswer);
 }
 
-void PrintHead(const TProblem& problem)
+void PrintHead(const TProblem& problem, const TSolveOptions& options)
 {
     const std::string strKind = problem.m_nProblemType == PROBLEM_SELFMATE ? "  s#" : "  #";
     const std::string strStipulation = problem.m_nProblemType == PROBLEM_LINE
                                            ? std::string()
                                            : strKind + std::to_string(problem.GetStipulation());
-    std::printf("%d. %s%s  %s\n", problem.m_nProblemNumber,
+    std::printf("%d. %s%s  %s%s\n", problem.m_nProblemNumber,
                 WriteFen(*problem.m_pChessboard, true).c_str(), strStipulation.c_str(),
-                Utf8FromWide(problem.m_strDescription).c_str());
+                Utf8FromWide(problem.m_strDescription).c_str(),
+                MarkText(options.m_programOptions, *problem.m_pChessboard, "  * ").c_str());
 }
 
-nlohmann::ordered_json JsonHead(const TProblem& problem)
+nlohmann::ordered_json JsonHead(const TProblem& problem, const TSolveOptions& options)
 {
     nlohmann::ordered_json line;
     line["problem"] = problem.m_nProblemNumber;
     line["fen"] = WriteFen(*problem.m_pChessboard, true);
+    if (IsMarked(options.m_programOptions, *problem.m_pChessboard))
+        line["knownComposition"] = true;
     return line;
 }
 
@@ -77,7 +81,7 @@ void PrintResult(const TSolveRequest& request, const TSolveOutcome& outcome, EVe
                  const std::vector<TVerifiedKey>& vecKeys, const TSolveOptions& options)
 {
     if (!options.m_bJson) {
-        PrintHead(request);
+        PrintHead(request, options);
         PrintSolutions(request, outcome);
         std::printf("%s, %.3f s, %llu positions\n", VerdictText(request, verdict).c_str(),
                     outcome.m_elapsed.count(),
@@ -86,7 +90,7 @@ void PrintResult(const TSolveRequest& request, const TSolveOutcome& outcome, EVe
         PrintVerification(vecKeys);
         return;
     }
-    nlohmann::ordered_json line = JsonHead(request);
+    nlohmann::ordered_json line = JsonHead(request, options);
     line["mate"] = request.GetStipulation();
     AddResultTo(line, request, outcome, vecPasses, vecKeys);
     if (verdict != EVerdict::NoAnswer)
@@ -98,11 +102,11 @@ void PrintSkipped(const TProblem& problem, const std::string& strReason,
                   const TSolveOptions& options)
 {
     if (!options.m_bJson) {
-        PrintHead(problem);
+        PrintHead(problem, options);
         std::printf("  skipped: %s\n", strReason.c_str());
         return;
     }
-    nlohmann::ordered_json line = JsonHead(problem);
+    nlohmann::ordered_json line = JsonHead(problem, options);
     line["result"] = "skipped";
     line["reason"] = strReason;
     std::printf("%s\n", line.dump().c_str());

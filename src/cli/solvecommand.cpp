@@ -1,5 +1,6 @@
 #include "cli/commands.h"
 #include "cli/fileoptions.h"
+#include "cli/knowncomposition.h"
 #include "cli/solvecollection.h"
 #include "cli/solving.h"
 #include "cli/task.h"
@@ -25,16 +26,20 @@ struct TSolveArguments
     int m_nMate = 0;
     std::vector<std::int32_t> m_vecProblems;
     bool m_bAll = false;
+    std::optional<int> m_predefined;
     TSolveOptions m_options;
     TProblemFileSettings m_fileSettings;
 };
 
 void PrintJson(const TTask& task, const TSolveRequest& request, const TSolveOutcome& outcome,
-               const std::vector<TPassReport>& vecPasses, const std::vector<TVerifiedKey>& vecKeys)
+               const std::vector<TPassReport>& vecPasses, const std::vector<TVerifiedKey>& vecKeys,
+               const TSolveOptions& options)
 {
     nlohmann::ordered_json line;
     line["fen"] = task.m_strFen;
     line["mate"] = task.m_nMate;
+    if (IsMarked(options.m_programOptions, *request.m_pChessboard))
+        line["knownComposition"] = true;
     AddResultTo(line, request, outcome, vecPasses, vecKeys);
     std::printf("%s\n", line.dump().c_str());
 }
@@ -42,7 +47,8 @@ void PrintJson(const TTask& task, const TSolveRequest& request, const TSolveOutc
 void PrintText(const TTask& task, const TSolveRequest& request, const TSolveOutcome& outcome,
                const std::vector<TVerifiedKey>& vecKeys, const TSolveOptions& options)
 {
-    std::printf("%s  #%d\n", task.m_strFen.c_str(), task.m_nMate);
+    std::printf("%s  #%d%s\n", task.m_strFen.c_str(), task.m_nMate,
+                MarkText(options.m_programOptions, *request.m_pChessboard, "  * ").c_str());
     PrintSolutions(request, outcome);
     std::printf(", %.3f s, %llu positions\n", outcome.m_elapsed.count(),
                 static_cast<unsigned long long>(request.m_nPositions));
@@ -60,7 +66,7 @@ int SolveTask(const TTask& task, const TSolveOptions& options)
     const TSolveOutcome outcome = SolveWithOptions(request, options, vecPasses);
     const auto vecKeys = VerifySolutions(request, outcome, options);
     if (options.m_bJson)
-        PrintJson(task, request, outcome, vecPasses, vecKeys);
+        PrintJson(task, request, outcome, vecPasses, vecKeys, options);
     else
         PrintText(task, request, outcome, vecKeys, options);
     std::fflush(stdout);
@@ -105,6 +111,7 @@ bool IsCollection(const std::string& strFile)
 int RunSolve(TSolveArguments& arguments)
 {
     arguments.m_options.m_programOptions = ReadProgramOptions(arguments.m_fileSettings);
+    ApplyPredefinedOption(arguments.m_predefined, arguments.m_options.m_programOptions);
     if (arguments.m_strFile.empty() == arguments.m_strFen.empty())
         throw ChessException("Give either a file or --fen.");
     if (IsCollection(arguments.m_strFile))
@@ -148,6 +155,7 @@ void AddSolveCommand(CLI::App& app, int& nExitCode)
         ->excludes(pFirst);
     pCommand->add_flag("--json", options.m_bJson, "print one JSON object a position");
     AddSolveOptions(*pCommand, options);
+    AddPredefinedOption(*pCommand, pArguments->m_predefined);
     AddFileOptions(*pCommand, pArguments->m_fileSettings);
     pCommand->callback([pArguments, &nExitCode] { nExitCode = RunSolve(*pArguments); });
 }

@@ -136,6 +136,9 @@ TSolveOutcome SolveWithOptions(TSolveRequest& request, const TSolveOptions& opti
         request.m_sortIndications = *options.m_indications;
     ApplySetOptions(request, options);
     NoteWithoutEffect(request.m_heuristicSet);
+    request.OnMessage = [](const std::string& strText) {
+        std::fprintf(stderr, "%s\n", strText.c_str());
+    };
     request.OnPassEnd = [&](const TPassReport& report) {
         vecPasses.push_back(report);
         // A run of the last pass alone is nothing to tell.

@@ -3,6 +3,7 @@
 
 #include "heuristics/analysistrials.h"
 #include "heuristics/positionanalysis.h"
+#include "heuristics/predefined.h"
 
 /// The steps of CheckPositionType. They run in a fixed order (positionanalysis.cpp), each on the
 /// set that the ones before have left.
@@ -56,6 +57,7 @@ struct TAnalysis
     TChessboard m_board;
     TPositionFacts m_facts;
     TTrials m_trials;
+    TPredefinedRun m_predefined; ///< what the known settings of the composition ask for
     bool m_bSafeMode;
     bool m_bSafeModeForced = false;
     std::vector<TMove> m_vecSeaSnakeMoves;

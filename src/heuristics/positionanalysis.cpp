@@ -163,6 +163,22 @@ void ChooseCorner(TAnalysis& a)
     a.Set(SH_KEEPKINGNEARCORNER | SH_DONTLETPROMOTEDQUEENMOVE);
 }
 
+/// A fault in the tables must not cost the run: it goes on with the set as it stands.
+void ApplyPredefinedSettings(TAnalysis& a)
+{
+    std::optional<std::string> failure;
+    try {
+        ApplyPredefinedAdditionalHeuristics(a.m_board, a.m_predefined);
+    }
+    catch (const std::exception& error) {
+        failure = *error.what() ? std::string(" : ") + error.what() : std::string();
+    }
+    if (a.m_predefined.m_bSafeMode)
+        a.ForceSafeMode();
+    if (failure && a.m_request.OnMessage)
+        a.m_request.OnMessage("Error occurred in ApplyPredefinedAdditionalHeuristics()" + *failure);
+}
+
 void FinishSet(TAnalysis& a)
 {
     DropHopelessPromotionRule(a);
@@ -178,6 +194,7 @@ void FinishSet(TAnalysis& a)
     if (IsWhiteMaterialShort(a.m_board))
         a.Set(SH_SAVEQUEENROOK);
     DropEdgeFormsOfSeaSnake(a);
+    ApplyPredefinedSettings(a);
     ForceSafeModeForLonePiece(a);
 }
 
@@ -245,6 +262,7 @@ TPositionAnalysis CheckPositionType(const TChessboard& root)
     DropUnusedParams(result.m_set);
     result.m_nPositionFlags = a.m_board.m_nPositionFlags;
     result.m_bSafeMode = a.m_bSafeModeForced;
+    result.m_shLookForQuickerMateDepth = a.m_predefined.m_shLookForQuickerMateDepth;
     result.m_facts = a.m_facts;
     result.m_vecTrials = a.m_trials.All();
     result.m_nPositions = a.m_trials.Positions();
@@ -266,6 +284,9 @@ void TakeUpAnalysis(const TPositionAnalysis& analysis, TChessboard& root)
     request.m_vecSeaSnakeMoves = analysis.m_vecSeaSnakeMoves;
     if (analysis.m_bSafeMode)
         request.m_bSafeMode = true;
+    // A depth that the user has given stays.
+    if (analysis.m_shLookForQuickerMateDepth && request.m_shLookForQuickerMateDepth < 0)
+        request.m_shLookForQuickerMateDepth = *analysis.m_shLookForQuickerMateDepth;
 }
 
 } // namespace corvina

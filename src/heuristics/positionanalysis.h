@@ -5,6 +5,7 @@
 #include "heuristics/heuristicbits.h"
 #include "heuristics/heuristicset.h"
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -74,15 +75,18 @@ struct TPositionAnalysis
     std::uint16_t m_nPositionFlags = 0;
     bool m_bSafeMode = false;              ///< Quick mode is no good for the position
     std::vector<TMove> m_vecSeaSnakeMoves; ///< TSolveRequest::m_vecSeaSnakeMoves
+    /// Half-moves of the search for a short mate that predefined settings give, or -1.
+    std::optional<std::int16_t> m_shLookForQuickerMateDepth;
     TPositionFacts m_facts;
     std::vector<TTrial> m_vecTrials;
     std::uint64_t m_nPositions = 0; ///< moves made by all trials
     double m_dSeconds = 0;
 };
 
-/// Analyses a root with White to move whose request is set. Root, thread and request are left as
-/// they were. A stop of the run ends the trials. Takes a second at most: the trials have a limit of
-/// positions.
+/// Analyses a root with White to move whose request is set. What is known of a composition
+/// beforehand (predefined.h) has the last word, if the run uses it; a failure there is a message of
+/// the run. Root, thread and request are left as they were. A stop of the run ends the trials.
+/// Takes a second at most: the trials have a limit of positions.
 TPositionAnalysis CheckPositionType(const TChessboard& root);
 
 /// Makes what the analysis has chosen the start of the request's run.

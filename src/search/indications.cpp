@@ -126,6 +126,18 @@ std::vector<std::string> MovesOfWhite(const TVariant& variant, const TChessboard
     return vecTexts;
 }
 
+/// The move to try first in the position of the board, or null.
+const TPreferredMove* FindPreferred(const TSolveRequest& request, const TChessboard& board)
+{
+    for (const TPreferredMove& preferred : request.m_vecPreferredMoves) {
+        if (std::equal(preferred.m_board.begin(), preferred.m_board.end(), board.m_board))
+            return &preferred;
+    }
+    return nullptr;
+}
+
+} // namespace
+
 void AddVariant(TSortIndications& target, const TVariant& variant, const TChessboard& root)
 {
     const auto pVariant = std::make_shared<const TVariant>(variant);
@@ -137,8 +149,6 @@ void AddVariant(TSortIndications& target, const TVariant& variant, const TChessb
         target.Add(item);
     }
 }
-
-} // namespace
 
 void LoadSortIndications(TSolveRequest& request)
 {
@@ -159,21 +169,26 @@ TNodeIndications::TNodeIndications(const TChessboard& board) : m_board(board)
     if (!board.m_pRequest)
         return;
     const TSortIndications& indications = board.m_pRequest->m_mapSortIndications;
-    if (indications.empty() || ContextOf(board).m_nQuickerMateNesting != 0)
+    const bool bNone = indications.empty() && board.m_pRequest->m_vecPreferredMoves.empty();
+    if (bNone || ContextOf(board).m_nQuickerMateNesting != 0)
         return;
     m_pIndications = &indications;
     m_nMoveNumber = (board.m_nInitialMoves - board.m_nMoves) / 2 + 1;
     m_pOfNumber = ItemsOf(indications, m_nMoveNumber);
     m_pGeneral = ItemsOf(indications, 0);
-    m_bApply = m_pOfNumber || m_pGeneral;
+    m_pPreferred = FindPreferred(*board.m_pRequest, board);
+    m_bApply = m_pOfNumber || m_pGeneral || m_pPreferred;
 }
 
 std::optional<std::int8_t> TNodeIndications::Score(const TChessboard& child)
 {
-    const TSortIndication* pItem = FindItem(child);
-    if (!pItem)
+    const bool bPreferred = IsPreferred(child);
+    const TSortIndication* pItem = bPreferred ? nullptr : FindItem(child);
+    if (!pItem && !bPreferred)
         return std::nullopt;
     m_bMatched = true;
+    if (bPreferred)
+        return INDICATED_FIRST;
     if (pItem->m_bNegated)
         return INDICATED_LAST;
     const int nLetters = CountPatternLetters(pItem->m_strPattern);
@@ -181,6 +196,11 @@ std::optional<std::int8_t> TNodeIndications::Score(const TChessboard& child)
         return INDICATED_FIRST;
     const int nScore = INDICATED_FIRST + m_pIndications->m_nLongestDescription - nLetters + 1;
     return static_cast<std::int8_t>(std::max<int>(nScore, INDICATED_FIRST));
+}
+
+bool TNodeIndications::IsPreferred(const TChessboard& child) const
+{
+    return m_pPreferred && IsSameMove(m_pPreferred->m_move, child.m_LastMove);
 }
 
 const TSortIndication* TNodeIndications::FindItem(const TChessboard& child) const
@@ -244,7 +264,7 @@ int GetIndicatedMoves(TChessboard& board, TMove* pMoves)
         if (!child.MakeWhiteMove(&moves[i]))
             continue;
         const TSortIndication* pItem = indications.FindItem(child);
-        if (pItem && !pItem->m_bNegated)
+        if (indications.IsPreferred(child) || (pItem && !pItem->m_bNegated))
             pMoves[nIndicated++] = moves[i];
     }
     return nIndicated;

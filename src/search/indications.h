@@ -12,6 +12,7 @@
 namespace corvina
 {
 
+struct TPreferredMove;
 struct TSolveRequest;
 
 /// Sort indications at White's nodes: hints of the problem or its user about the order of moves.
@@ -26,6 +27,10 @@ constexpr std::int8_t INDICATED_LAST = 125;
 /// the main variant (1) or in all variants (2), each as long as the line is that of the variant.
 /// What the position doesn't allow ends a variant.
 void LoadSortIndications(TSolveRequest& request);
+
+/// Adds White's moves of a line of play that begins with the root, each as long as the line is that
+/// of the variant. What the position doesn't allow ends it.
+void AddVariant(TSortIndications& target, const TVariant& variant, const TChessboard& root);
 
 /// The indications that concern one node, for the length of a sort of its moves. White is to move.
 class TNodeIndications
@@ -60,6 +65,7 @@ public:
 private:
     friend int GetIndicatedMoves(TChessboard& board, TMove* pMoves);
 
+    bool IsPreferred(const TChessboard& child) const;
     const TSortIndication* FindItem(const TChessboard& child) const;
     const TSortIndication* FindItem(const std::vector<TSortIndication>* pItems,
                                     const TChessboard& child) const;
@@ -70,6 +76,7 @@ private:
     const TSortIndications* m_pIndications = nullptr;
     const std::vector<TSortIndication>* m_pOfNumber = nullptr; ///< may be null
     const std::vector<TSortIndication>* m_pGeneral = nullptr;  ///< may be null
+    const TPreferredMove* m_pPreferred = nullptr;              ///< may be null
     int m_nMoveNumber = 0;                                     ///< of White's move, from 1
     bool m_bApply = false;
     bool m_bMatched = false;

@@ -1,7 +1,9 @@
 #include "search/solve.h"
 
+#include "heuristics/predefined.h"
 #include "search/findmate.h"
 #include "search/indications.h"
+#include "search/predefinedlines.h"
 
 #include <algorithm>
 
@@ -57,6 +59,26 @@ void PrepareRun(TSolveRequest& request, const TRunSettings& settings)
     request.m_nShortestRepetitionDepth = request.m_nRequestedMoves;
 }
 
+/// What is known beforehand: the lines; the settings are for the analysis to apply.
+void LookUpComposition(TSolveRequest& request, const TRunSettings& settings)
+{
+    const bool bUse = settings.m_bUsePredefinedSettings || request.m_bUsePredefinedSettings;
+    const TPredefinedTables* pTables = settings.m_pPredefinedTables;
+    if (bUse && !pTables)
+        pTables = &PredefinedTables();
+    request.m_pPredefinedTables = bUse ? pTables : nullptr;
+    request.m_vecPreferredMoves.clear();
+    if (!bUse)
+        return;
+    try {
+        ApplyPredefinedLines(request);
+    }
+    catch (const ChessException&) {
+        if (request.OnMessage)
+            request.OnMessage("Error in predefined sort indications.");
+    }
+}
+
 } // namespace
 
 TSolveOutcome Solve(TSolveRequest& request, const TRunSettings& settings)
@@ -71,6 +93,7 @@ TSolveOutcome Solve(TSolveRequest& request, const TRunSettings& settings)
     // Solved positions of another problem are of no use here.
     request.m_TemporaryRegister.SetPosition(root.m_board);
     LoadSortIndications(request);
+    LookUpComposition(request, settings);
 
     const TFoundSolutionsHold hold;
     request.m_pFoundSolutions = request.m_nSearchMode & SEARCH_ALL ? hold.get() : nullptr;

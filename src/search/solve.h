@@ -18,6 +18,9 @@ struct TRunSettings
     bool m_bQuickMode = true;
     /// Variants as sort indications: 0 none, 1 the main one, 2 all. A problem may ask for 1.
     std::uint8_t m_nMainVariantUse = 0;
+    /// What is known of a composition is made use of. A problem may ask for it by itself.
+    bool m_bUsePredefinedSettings = false;
+    const TPredefinedTables* m_pPredefinedTables = nullptr; ///< null: Corvina's own
 };
 
 struct TSolveOutcome

@@ -25,6 +25,8 @@
 namespace corvina
 {
 
+struct TPredefinedTables;
+
 /// How the analysis of one reply at the root of the defence task ended.
 struct TDefenceRecord
 {
@@ -33,6 +35,13 @@ struct TDefenceRecord
     std::uint32_t m_nMilliseconds = 0;
     bool m_bRefutes = false;    ///< the reply prevented mate within the stipulation
     bool m_bRepetition = false; ///< the reply led only to position repetition
+};
+
+/// White's move to try first in a position, wherever it comes up.
+struct TPreferredMove
+{
+    std::array<std::uint8_t, 64> m_board{}; ///< figures by squares
+    TMove m_move{};
 };
 
 /// How far a run goes: bits of TSolveRequest::m_nSearchMode.
@@ -82,6 +91,9 @@ struct TSolveRequest : TProblem, TStopBlock, TRegisterHost
     bool m_bAnalyse = false; ///< the run chooses its set itself, if it is long enough for that
     std::optional<double> m_analysisSeconds; ///< that the choice has taken; empty: none was made
     TSortIndications m_mapSortIndications; ///< of the run: the problem's and those of its variants
+    /// What is known of compositions (heuristics/predefined.h); null: the run looks at none of it.
+    const TPredefinedTables* m_pPredefinedTables = nullptr;
+    std::vector<TPreferredMove> m_vecPreferredMoves; ///< of the run, from these tables
 
     // Men of the root position: queens, rooks, bishops and knights, and pawns.
     std::uint8_t m_nRootWhiteFigures = 0, m_nRootWhitePawns = 0;
@@ -134,6 +146,9 @@ struct TSolveRequest : TProblem, TStopBlock, TRegisterHost
 
     /// Called for each pass as it ends, one at a time.
     std::function<void(const TPassReport& report)> OnPassEnd;
+
+    /// Called with a text that the user should see; the run goes on.
+    std::function<void(const std::string& strText)> OnMessage;
 
     /// Called with a line for the log of the run, from any of its threads.
     std::function<void(const std::string& strLine)> OnLogLine;

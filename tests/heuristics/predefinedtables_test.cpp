@@ -1,0 +1,147 @@
+#include "chess/fen.h"
+#include "chess/notation.h"
+#include "heuristics/predefined.h"
+#include "search/plainsearch.h"
+#include "search/solve.h"
+#include "support/data.h"
+#include "support/positions.h"
+#include "support/slowchess.h"
+
+#include <gtest/gtest.h>
+
+namespace corvina
+{
+namespace
+{
+
+auto CountMen(const TChessboard& board)
+{
+    return std::count_if(std::begin(board.m_board), std::end(board.m_board),
+                         [](TFigure figure) { return figure != NO_FIGURE; });
+}
+
+/// A position with White to move, from which a problem may start.
+TChessboard StartOf(const std::string& strFen)
+{
+    TChessboard board;
+    EXPECT_TRUE(ReadFen(board, strFen)) << strFen;
+    EXPECT_EQ(WriteFen(board, true), strFen) << "a look-up would never find it";
+    EXPECT_EQ(FailureText([&] { board.CheckStartPosition(1, true); }), "") << strFen;
+    return board;
+}
+
+TEST(PredefinedTables, Positions)
+{
+    const TPredefinedTables& tables = PredefinedTables();
+    EXPECT_EQ(tables.m_predefinedHeuristics.size(), 17u);
+    EXPECT_EQ(tables.m_predefinedLines.size(), 73u);
+    for (const auto& [strFen, vecTexts] : tables.m_predefinedHeuristics)
+        StartOf(strFen);
+    for (const auto& [strFen, vecTexts] : tables.m_predefinedLines)
+        StartOf(strFen);
+    for (const auto& [strFen, mapMoves] : tables.m_predefinedSubpositions) {
+        const TChessboard root = StartOf(strFen);
+        for (const auto& [strPosition, strMove] : mapMoves) {
+            const TChessboard board = StartOf(strPosition);
+            EXPECT_EQ(PrintMove(ParseMove(board, strMove), board), strMove) << strPosition;
+            // It can come up: no side has more men than at the start.
+            EXPECT_LE(CountMen(board), CountMen(root)) << strPosition;
+        }
+    }
+}
+
+/// A line of the table with the positions of the slow chess along it.
+struct TPlayedLine
+{
+    TPlayedLine(const std::string& strFen, const std::string& strText)
+    {
+        const TChessboard root = StartOf(strFen);
+        m_vecPositions.push_back(TSlowPosition(root.m_board, EColour::White));
+        int nNumber = 0;
+        for (const std::string& strWord : Split(strText, ' ')) {
+            if (strWord.ends_with('.')) {
+                EXPECT_EQ(strWord, std::to_string(++nNumber) + ".") << strText;
+                EXPECT_EQ(m_vecMoves.size(), 2u * (nNumber - 1)) << strText;
+                continue;
+            }
+            Play(strWord, strText);
+        }
+    }
+
+    void Play(const std::string& strWord, const std::string& strText)
+    {
+        const std::string strMove = strWord.substr(0, strWord.find_first_of("+#"));
+        const TSlowPosition& position = m_vecPositions.back();
+        TMove move = ParseFullMove(strMove, position.m_toMove == EColour::White);
+        for (const TMove& legal : position.LegalMoves()) {
+            if (!IsSameMove(legal, move))
+                continue;
+            TSlowPosition next = position;
+            next.Play(legal);
+            m_vecMoves.push_back(legal);
+            m_vecPositions.push_back(next);
+            const bool bCheck = next.InCheck(next.m_toMove);
+            const bool bMate = bCheck && next.LegalMoves().empty();
+            const std::string strMark = bMate ? "#" : bCheck ? "+" : "";
+            if (m_vecMoves.size() % 2) {
+                EXPECT_EQ(strWord.substr(strMove.size()), strMark) << strText;
+            }
+            return;
+        }
+        ADD_FAILURE() << strWord << " is illegal in " << strText;
+    }
+
+    bool EndsInMate() const
+    {
+        const TSlowPosition& last = m_vecPositions.back();
+        return last.m_toMove == EColour::Black && last.InCheck(EColour::Black) &&
+               last.LegalMoves().empty();
+    }
+
+    std::vector<TMove> m_vecMoves;
+    std::vector<TSlowPosition> m_vecPositions; ///< one more than moves
+};
+
+/// The move mates within so many half-moves, by the plain recursion.
+bool IsKey(const TSlowPosition& position, TMove move, int nPlies)
+{
+    TSolveRequest request;
+    TThreadContext context(nPlies);
+    TChessboard root;
+    std::copy(position.m_aBoard.begin(), position.m_aBoard.end(), root.m_board);
+    root.ScanBoard(true);
+    root.CheckStartPosition(static_cast<std::uint16_t>(nPlies), true);
+    root.m_pRequest = &request;
+    root.m_pThread = &context;
+    root.m_nPass = 2;
+    context.m_pRootBoard = &root;
+    TChessboard& child = context.MakeChild(root);
+    return child.MakeWhiteMove(&move) && PlainSearchBlack(child) == 1;
+}
+
+TEST(PredefinedTables, LinesAreSolutions)
+{
+    constexpr int PLAIN_PLIES = 5; ///< of the end of each line, every move is checked
+    int nLines = 0, nChecked = 0;
+    for (const auto& [strFen, vecTexts] : PredefinedTables().m_predefinedLines) {
+        for (const std::string& strText : vecTexts) {
+            if (strText.find(',') != std::string::npos)
+                continue;
+            const TPlayedLine line(strFen, strText);
+            EXPECT_TRUE(line.EndsInMate()) << strFen << ": " << strText;
+            const int nMoves = static_cast<int>(line.m_vecMoves.size());
+            for (int i = std::max(0, nMoves - PLAIN_PLIES); i < nMoves; ++i) {
+                if (i % 2)
+                    continue;
+                EXPECT_TRUE(IsKey(line.m_vecPositions[i], line.m_vecMoves[i], nMoves - i))
+                    << strFen << ": move " << i / 2 + 1 << " of " << strText;
+                ++nChecked;
+            }
+            ++nLines;
+        }
+    }
+    EXPECT_GE(nChecked, 3 * nLines);
+}
+
+} // namespace
+} // namespace corvina

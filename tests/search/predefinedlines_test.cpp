@@ -1,0 +1,184 @@
+#include "chess/fen.h"
+#include "chess/notation.h"
+#include "heuristics/predefined.h"
+#include "search/indications.h"
+#include "search/predefinedlines.h"
+#include "search/solve.h"
+#include "support/data.h"
+#include "support/positions.h"
+#include "support/slowchess.h"
+
+#include <gtest/gtest.h>
+
+namespace corvina
+{
+namespace
+{
+
+constexpr const char* OPEN = "5k2/8/8/3p4/R5R1/2N5/8/K2Q4";
+
+/// A request whose run looks at tables of its own.
+struct TKnown
+{
+    explicit TKnown(const std::string& strFen)
+    {
+        EXPECT_TRUE(ReadFen(*request.m_pChessboard, strFen)) << strFen;
+        request.SetMateIn(8);
+        request.m_pPredefinedTables = &tables;
+    }
+
+    TPredefinedTables tables;
+    TSolveRequest request;
+};
+
+/// The score that the indications of a request give a move after a line of play.
+std::optional<int> ScoreOf(TSolveRequest& request, const std::string& strLine,
+                           const std::string& strMove)
+{
+    TThreadContext context(request.m_nRequestedMoves);
+    TChessboard root = *request.m_pChessboard;
+    root.m_pRequest = &request;
+    root.m_pThread = &context;
+    context.m_pRootBoard = &root;
+    TChessboard* pBoard = &root;
+    for (const std::string& strPlayed : Split(strLine, ' ')) {
+        if (!strPlayed.empty())
+            pBoard = &PlayMove(*pBoard, ParseMove(*pBoard, strPlayed));
+    }
+    TNodeIndications indications(*pBoard);
+    if (!indications.Apply())
+        return std::nullopt;
+    return indications.Score(PlayMove(*pBoard, ParseMove(*pBoard, strMove)));
+}
+
+TEST(PredefinedLines, LinesHoldAlongTheirMovesAndListsByTheirNumbers)
+{
+    TKnown known(OPEN);
+    known.tables.m_predefinedLines[OPEN] = {"1. Ra4-a7 d5-d4 2. Nc3-e4 Kf8-e8 3. Rg4-g8#",
+                                            "1.Rg4-g2 d5-d4  2.Rg2-g3 ", "2. Qd1-d3, 3.Qd3-d4"};
+    ParseSortIndications(known.request.m_sortIndications, "~1.Rg4-g2");
+    LoadSortIndications(known.request);
+    ApplyPredefinedLines(known.request);
+    constexpr std::optional<int> NO, FIRST = INDICATED_FIRST, LAST = INDICATED_LAST;
+    TSolveRequest& request = known.request;
+    EXPECT_EQ(ScoreOf(request, "", "Ra4-a7"), FIRST);
+    EXPECT_EQ(ScoreOf(request, "", "Ra4-a8"), NO);
+    EXPECT_EQ(ScoreOf(request, "", "Rg4-g2"), LAST) << "the problem's own come first";
+    EXPECT_EQ(ScoreOf(request, "Ra4-a7 d5-d4", "Nc3-e4"), FIRST);
+    EXPECT_EQ(ScoreOf(request, "Ra4-a7 Kf8-e8", "Nc3-e4"), NO) << "off the line";
+    EXPECT_EQ(ScoreOf(request, "Rg4-g2 d5-d4", "Rg2-g3"), FIRST) << "of the second line";
+    EXPECT_EQ(ScoreOf(request, "Rg4-g2 Kf8-e8", "Qd1-d3"), FIRST) << "whatever was played";
+    EXPECT_EQ(ScoreOf(request, "Ra4-a7 d5-d4 Nc3-e4 Kf8-e8", "Rg4-g8"), FIRST);
+}
+
+TEST(PredefinedLines, PositionsOfTheTree)
+{
+    constexpr const char* COMPOSITION = "8/3p1p1p/3p1p2/3p1B2/8/6pN/5pP1/3K1kbn";
+    TKnown known(COMPOSITION);
+    known.request.m_pPredefinedTables = &PredefinedTables();
+    ApplyPredefinedLines(known.request);
+    EXPECT_EQ(known.request.m_vecPreferredMoves.size(), 9u);
+    // The tree isn't walked: any line that comes to the position will do.
+    TKnown deep("8/8/8/8/8/5NpB/3K1pP1/5kbn");
+    deep.request.m_vecPreferredMoves = known.request.m_vecPreferredMoves;
+    EXPECT_EQ(ScoreOf(deep.request, "", "Kd2-d3"), INDICATED_FIRST);
+    EXPECT_EQ(ScoreOf(deep.request, "", "Kd2-d1"), std::nullopt);
+    EXPECT_EQ(ScoreOf(deep.request, "Kd2-d3 Bg1-h2", "Kd3-e3"), INDICATED_FIRST);
+    EXPECT_EQ(ScoreOf(deep.request, "Kd2-d3 Bg1-h2", "Kd3-e4"), std::nullopt);
+}
+
+TEST(PredefinedLines, FaultyTextsAreToldAndTheRunGoesOn)
+{
+    for (const char* pText :
+         {"1. Ra4-a9", "1. Ra4-b6", "1. Ra4-a8+ d5-d4", "xyz", "1. Qa9, 2. Ka1", "1. Ra4-a7 -"})
+    {
+        TKnown known("7k/8/5K2/8/8/8/8/6R1");
+        known.tables.m_predefinedLines["7k/8/5K2/8/8/8/8/6R1"] = {pText};
+        known.request.SetMateIn(2);
+        std::vector<std::string> vecMessages;
+        known.request.OnMessage = [&](const std::string& s) { vecMessages.push_back(s); };
+        TRunSettings settings;
+        settings.m_pPredefinedTables = &known.tables;
+        settings.m_bUsePredefinedSettings = true;
+        EXPECT_EQ(SortedTexts(Solve(known.request, settings).m_vecSolutions),
+                  (std::vector<std::string>{"f6f7"}));
+        EXPECT_EQ(vecMessages, (std::vector<std::string>{"Error in predefined sort indications."}))
+            << pText;
+    }
+}
+
+TEST(PredefinedLines, LookedAtWhenTheOptionOrTheProblemAsksForIt)
+{
+    for (const bool bOption : {false, true}) {
+        for (const bool bProblem : {false, true}) {
+            TKnown known("7k/8/5K2/8/8/8/8/6R1");
+            known.tables.m_predefinedLines["7k/8/5K2/8/8/8/8/6R1"] = {"1. Kf6-f7"};
+            known.request.SetMateIn(2);
+            known.request.m_bUsePredefinedSettings = bProblem;
+            TRunSettings settings;
+            settings.m_pPredefinedTables = &known.tables;
+            settings.m_bUsePredefinedSettings = bOption;
+            Solve(known.request, settings);
+            EXPECT_EQ(known.request.m_mapSortIndications.empty(), !bOption && !bProblem);
+            EXPECT_TRUE(known.request.m_sortIndications.empty()) << "the problem stays as it is";
+        }
+    }
+}
+
+/// Random legal moves from the position, as a line or as a list of White's moves.
+std::string RandomText(std::mt19937& random, const TChessboard& board, bool bList)
+{
+    std::string strText;
+    TTestLine line(WriteFen(board, true), 9);
+    TChessboard* pBoard = &line.board;
+    for (int i = 0; i < 6; ++i) {
+        const std::vector<TMove> vecMoves = LegalMoves(*pBoard);
+        if (vecMoves.empty())
+            break;
+        const TMove move = vecMoves[random() % vecMoves.size()];
+        const std::string strNumber = std::to_string(i / 2 + 1) + ". ";
+        const std::string strMove = PrintMove(move, *pBoard);
+        if (!bList)
+            strText += (i ? " " : "") + (i % 2 ? strMove : strNumber + strMove);
+        else if (i % 2 == 0)
+            strText += (i ? ", " : "") + strNumber + strMove;
+        pBoard = &PlayMove(*pBoard, move);
+    }
+    return strText;
+}
+
+TEST(PredefinedLines, ChangeNoSolution)
+{
+    std::mt19937 random(41);
+    int nMates = 0, nKnown = 0;
+    for (int i = 0; i < 600; ++i) {
+        TKnown known(WriteFen(ComposedPosition(random), true));
+        const TChessboard& board = *known.request.m_pChessboard;
+        const std::string strFen = WriteFen(board, true);
+        const int nMate = 2 + i % 3 + (i % 50 == 0);
+        for (int k = 0; k < 3; ++k) {
+            const std::string strText = RandomText(random, board, k == 2);
+            if (!strText.empty())
+                known.tables.m_predefinedLines[strFen].push_back(strText);
+        }
+        std::vector<std::string> aSolutions[2];
+        for (const bool bUse : {false, true}) {
+            TSolveRequest request;
+            *request.m_pChessboard = board;
+            request.SetMateIn(nMate);
+            request.m_nMinRegisterPlies = 0;
+            TRunSettings settings;
+            settings.m_bUsePredefinedSettings = bUse;
+            settings.m_pPredefinedTables = &known.tables;
+            aSolutions[bUse] = SortedTexts(Solve(request, settings).m_vecSolutions);
+            nKnown += !request.m_mapSortIndications.empty();
+        }
+        EXPECT_EQ(aSolutions[0], aSolutions[1]) << strFen << " #" << nMate;
+        nMates += !aSolutions[0].empty();
+    }
+    EXPECT_GT(nMates, 50);
+    EXPECT_GT(nKnown, 560);
+}
+
+} // namespace
+} // namespace corvina
