@@ -245,6 +245,53 @@ TEST(Cli, ChosenHeuristics)
     EXPECT_EQ(RunCli("solve" + strTask + "--no-heuristics --heuristics none").m_nExitCode, 2);
 }
 
+TEST(Cli, KnownCompositions)
+{
+    const corvina::TTemporaryFolder folder;
+    setenv("CORVINA_HOME", folder.m_path.c_str(), 1);
+    const std::string strFen = "7k/4KR2/5Pq1/8/3B4/5B2/8/8", strMark = "known composition";
+    const std::string strFile = folder.File("a.cp");
+    corvina::PutBytes(strFile, "1 #2 { FEN: " + strFen +
+                                   "\n}\n2 #2 { FEN: 7k/8/5K2/8/8/8/8/6R1 }\n" +
+                                   "3 #6 USEPREDEFINEDSETTINGS { FEN: " + strFen + "\n}\n");
+    const std::string strSolve = "solve --fen " + strFen + " --mate 6 --first";
+    const auto outputOf = [](const std::string& strArguments) {
+        const TRun run = RunCli(strArguments);
+        EXPECT_LT(run.m_nExitCode, 2) << strArguments << run.m_strOutput;
+        return run.m_strOutput;
+    };
+    const auto marks = [&](const std::string& strArguments) {
+        const std::string strOutput = outputOf(strArguments);
+        int nMarks = 0;
+        for (auto n = strOutput.find(strMark); n != std::string::npos;
+             n = strOutput.find(strMark, n + 1))
+            ++nMarks;
+        return nMarks;
+    };
+    const auto usesSettings = [&](const std::string& strArguments) {
+        return outputOf(strArguments).find("Pass 1: SH_ASSERTBLACKKINGSURROUNDED,") !=
+               std::string::npos;
+    };
+    // The settings of this composition want the plain form where the analysis takes the strict one.
+    EXPECT_FALSE(usesSettings(strSolve));
+    EXPECT_TRUE(usesSettings(strSolve + " --predefined 1"));
+    EXPECT_FALSE(usesSettings("solve --time 20 " + strFile + " --problem 1"));
+    EXPECT_TRUE(usesSettings("solve --time 20 " + strFile + " --problem 3"));
+
+    EXPECT_EQ(marks(strSolve + " --predefined 1"), 0);
+    EXPECT_EQ(marks(strSolve + " --predefined 2"), 1);
+    EXPECT_EQ(marks("check " + strFile), 0);
+    EXPECT_EQ(marks("solve --time 20 --problem 1 2 --predefined 2 " + strFile), 1);
+    EXPECT_NE(outputOf(strSolve + " --json --predefined 2").find("\"knownComposition\":true,"),
+              std::string::npos);
+    corvina::PutBytes(folder.File("options.ini"), "[chess]\nUsePredefinedIndications=2\n");
+    EXPECT_EQ(marks("check " + strFile), 2) << "the option of the program";
+    EXPECT_TRUE(usesSettings(strSolve));
+    EXPECT_FALSE(usesSettings(strSolve + " --predefined 0"));
+    unsetenv("CORVINA_HOME");
+    EXPECT_EQ(RunCli(strSolve + " --predefined 3").m_nExitCode, 2);
+}
+
 TEST(Cli, ProblemFiles)
 {
     const corvina::TTemporaryFolder folder;
