@@ -227,7 +227,12 @@ private:
 
     TRunSettings SettingsOf(TSolveRequest& request) const
     {
+        request.m_heuristicSet = {};
         TRunSettings settings = ApplyOptions(m_settings.m_options, request);
+        // What is known of a composition changes the set that an analysis chooses.
+        request.m_bAnalyse =
+            request.m_heuristicSet.m_nHeuristics == 0 &&
+            (settings.m_bUsePredefinedSettings || request.m_bUsePredefinedSettings);
         settings.m_bStopAtFirstSolution = true;
         settings.m_nThreads = static_cast<int>(m_settings.m_nThreads);
         return settings;

@@ -285,8 +285,10 @@ void TakeUpAnalysis(const TPositionAnalysis& analysis, TChessboard& root)
     if (analysis.m_bSafeMode)
         request.m_bSafeMode = true;
     // A depth that the user has given stays.
-    if (analysis.m_shLookForQuickerMateDepth && request.m_shLookForQuickerMateDepth < 0)
+    if (analysis.m_shLookForQuickerMateDepth && request.m_shLookForQuickerMateDepth < 0) {
         request.m_shLookForQuickerMateDepth = *analysis.m_shLookForQuickerMateDepth;
+        request.m_bPredefinedDepth = true;
+    }
 }
 
 } // namespace corvina

@@ -6,6 +6,7 @@
 #include "search/predefinedlines.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace corvina
 {
@@ -68,6 +69,9 @@ void LookUpComposition(TSolveRequest& request, const TRunSettings& settings)
         pTables = &PredefinedTables();
     request.m_pPredefinedTables = bUse ? pTables : nullptr;
     request.m_vecPreferredMoves.clear();
+    // The request may have been run before, on its mirror image or with other options.
+    if (std::exchange(request.m_bPredefinedDepth, false))
+        request.m_shLookForQuickerMateDepth = -1;
     if (!bUse)
         return;
     try {

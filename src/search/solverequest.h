@@ -94,6 +94,7 @@ struct TSolveRequest : TProblem, TStopBlock, TRegisterHost
     /// What is known of compositions (heuristics/predefined.h); null: the run looks at none of it.
     const TPredefinedTables* m_pPredefinedTables = nullptr;
     std::vector<TPreferredMove> m_vecPreferredMoves; ///< of the run, from these tables
+    bool m_bPredefinedDepth = false; ///< m_shLookForQuickerMateDepth is of these tables too
 
     // Men of the root position: queens, rooks, bishops and knights, and pawns.
     std::uint8_t m_nRootWhiteFigures = 0, m_nRootWhitePawns = 0;

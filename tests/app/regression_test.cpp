@@ -244,5 +244,20 @@ TEST(Regression, TimeAndStop)
     EXPECT_EQ(GetRunDescription(0, 1, 1), " 1thrd(s)");
 }
 
+TEST(Regression, KnownCompositions)
+{
+    std::string aLogs[2];
+    for (const std::uint8_t nUse : {0, 1}) {
+        TRegressionRun run("1 #6 ALLSOLUTIONS { FEN: 8/8/8/8/6R1/2B2p1K/5b2/7k\n Answer: }\n"
+                           "2 #6 { FEN: 7k/4KR2/5Pq1/8/3B4/5B2/8/8\n Answer: }\n" +
+                           OneKey("3 #2 USEPREDEFINEDSETTINGS"));
+        run.m_settings.m_bMirrors = true;
+        run.m_settings.m_options.m_nUsePredefinedIndications = nUse;
+        aLogs[nUse] = run.Run();
+        run.ExpectCounts(6, 0, 0, 0);
+    }
+    EXPECT_EQ(aLogs[0], aLogs[1]);
+}
+
 } // namespace
 } // namespace corvina

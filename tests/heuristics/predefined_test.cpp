@@ -261,6 +261,28 @@ TEST(Predefined, TheAnalysisEndsWithThem)
               (std::vector<int>{35, 52, 7})); // d5 and e7, then h1
 }
 
+TEST(Predefined, TheDepthOfTheShortMateEndsWithTheRun)
+{
+    constexpr const char* POSITION = "8/8/8/8/6R1/2B2p1K/5b2/7k";
+    TSolveRequest request;
+    *request.m_pChessboard = BoardOf(POSITION);
+    request.SetMateIn(6);
+    request.m_bAnalyse = true;
+    TRunSettings settings;
+    const auto depthAfterRun = [&](bool bUse) {
+        settings.m_bUsePredefinedSettings = bUse;
+        Solve(request, settings);
+        return request.m_shLookForQuickerMateDepth;
+    };
+    EXPECT_EQ(depthAfterRun(false), -1);
+    EXPECT_EQ(depthAfterRun(true), 7);
+    EXPECT_EQ(depthAfterRun(true), 7);
+    EXPECT_EQ(depthAfterRun(false), -1);
+    request.m_shLookForQuickerMateDepth = 3;
+    EXPECT_EQ(depthAfterRun(true), 3) << "the user's own";
+    EXPECT_EQ(depthAfterRun(false), 3);
+}
+
 TEST(Predefined, AFaultIsToldAndTheRunGoesOn)
 {
     constexpr const char* POSITION = "7k/4KR2/5Pq1/8/3B4/5B2/8/8";
