@@ -191,6 +191,30 @@ std::map<std::string, int> ReadLengths(const char* pPath)
     return mapLengths;
 }
 
+constexpr const char* HEAD = R"(#include "heuristics/predefinedlines.h"
+
+// Written by corvina-known-lines.
+
+namespace corvina
+{
+namespace
+{
+
+constexpr TPredefinedLine g_aLines[] = {
+)";
+
+constexpr const char* FOOT = R"(};
+
+} // namespace
+
+std::span<const TPredefinedLine> PredefinedLines()
+{
+    return g_aLines;
+}
+
+} // namespace corvina
+)";
+
 void WriteRow(const std::string& strFen, const std::string& strText)
 {
     if (strText.empty())
@@ -230,9 +254,11 @@ int main(int nArguments, char** pArguments)
     }
     const std::map<std::string, int> mapLengths = ReadLengths(pArguments[1]);
     std::string strBefore;
+    std::fputs(HEAD, stdout);
     for (const TPredefinedLine& line : PredefinedLines()) {
         if (strBefore != line.m_pFen)
             WriteComposition(line.m_pFen, mapLengths);
         strBefore = line.m_pFen;
     }
+    std::fputs(FOOT, stdout);
 }
