@@ -77,12 +77,10 @@ bool FitsMove(const TSortIndication& item, const TChessboard& child)
            (item.m_promotion == NO_FIGURE || item.m_promotion == move.PromotionKind());
 }
 
-/// The board, where White is to make his move of this number, was reached by the variant's moves.
-bool IsOnLine(const TVariant& variant, const TChessboard& board, int nMoveNumber)
+/// The board, where White is to move, was reached by so many moves, which are the variant's.
+bool IsOnLine(const TVariant& variant, const TChessboard& board, int nPlayed)
 {
-    const int nPlayed = 2 * (nMoveNumber - 1);
-    if (board.m_nInitialMoves - board.m_nMoves != nPlayed ||
-        variant.m_vecMoves.size() < static_cast<std::size_t>(nPlayed))
+    if (nPlayed % 2 != 0 || variant.m_vecMoves.size() < static_cast<std::size_t>(nPlayed))
         return false;
     const TChessboard* p = &board;
     for (int i = nPlayed - 1; i >= 0; --i, p = p->m_pParent) {
@@ -164,7 +162,13 @@ void LoadSortIndications(TSolveRequest& request)
     }
 }
 
-TNodeIndications::TNodeIndications(const TChessboard& board) : m_board(board)
+TNodeIndications::TNodeIndications(const TChessboard& board)
+    : TNodeIndications(board, board.m_nInitialMoves)
+{
+}
+
+TNodeIndications::TNodeIndications(const TChessboard& board, int nInitialMoves)
+    : m_board(board), m_nPlayed(nInitialMoves - board.m_nMoves)
 {
     if (!board.m_pRequest)
         return;
@@ -173,7 +177,7 @@ TNodeIndications::TNodeIndications(const TChessboard& board) : m_board(board)
     if (bNone || ContextOf(board).m_nQuickerMateNesting != 0)
         return;
     m_pIndications = &indications;
-    m_nMoveNumber = (board.m_nInitialMoves - board.m_nMoves) / 2 + 1;
+    m_nMoveNumber = m_nPlayed / 2 + 1;
     m_pOfNumber = ItemsOf(indications, m_nMoveNumber);
     m_pGeneral = ItemsOf(indications, 0);
     m_pPreferred = FindPreferred(*board.m_pRequest, board);
@@ -187,6 +191,7 @@ std::optional<std::int8_t> TNodeIndications::Score(const TChessboard& child)
     if (!pItem && !bPreferred)
         return std::nullopt;
     m_bMatched = true;
+    m_bMatchedLine |= bPreferred || pItem->m_pVariant;
     if (bPreferred)
         return INDICATED_FIRST;
     if (pItem->m_bNegated)
@@ -224,7 +229,7 @@ bool TNodeIndications::Fits(const TSortIndication& item, const TChessboard& chil
     if (!FitsMove(item, child) || (item.m_bNeedsEarlierItems && !FitsEarlierItems()))
         return false;
     if (item.m_pVariant && item.m_nMoveNumber > 1 &&
-        !IsOnLine(*item.m_pVariant, m_board, m_nMoveNumber))
+        !IsOnLine(*item.m_pVariant, m_board, m_nPlayed))
         return false;
     // A pattern without a figure says nothing that a move could be put forward for.
     if (!item.m_strPattern.empty() &&

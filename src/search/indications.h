@@ -38,12 +38,19 @@ class TNodeIndications
 public:
     explicit TNodeIndications(const TChessboard& board);
 
+    /// The same where the record doesn't tell with how many half-moves its line began.
+    TNodeIndications(const TChessboard& board, int nInitialMoves);
+
     /// There are some: only then the rest is worth calling.
     bool Apply() const { return m_bApply; }
 
     /// The score of the move that led from the board to the child, or nothing when no item concerns
     /// it. The first item that matches decides, those of the move's number before the general ones.
     std::optional<std::int8_t> Score(const TChessboard& child);
+
+    /// One of the moves that were scored goes on with a line of play, or is that of the position:
+    /// that says more than a hint for moves of a kind.
+    bool HasMatchedLine() const { return m_bMatchedLine; }
 
     /// To be called when the sort has scored its last move: once a move has matched, and any score
     /// is below 0, all of them sink by one. Those that stand at the bound of their kind stay, so
@@ -77,9 +84,11 @@ private:
     const std::vector<TSortIndication>* m_pOfNumber = nullptr; ///< may be null
     const std::vector<TSortIndication>* m_pGeneral = nullptr;  ///< may be null
     const TPreferredMove* m_pPreferred = nullptr;              ///< may be null
+    int m_nPlayed = 0;                                         ///< half-moves of the line
     int m_nMoveNumber = 0;                                     ///< of White's move, from 1
     bool m_bApply = false;
     bool m_bMatched = false;
+    bool m_bMatchedLine = false;
 };
 
 } // namespace corvina

@@ -1,9 +1,11 @@
 #include "search/proofsearch.h"
 
+#include "search/indications.h"
 #include "search/proofwalk.h"
 #include "search/rootsetup.h"
 
 #include <algorithm>
+#include <bitset>
 #include <limits>
 
 namespace corvina
@@ -12,6 +14,18 @@ namespace
 {
 
 constexpr std::uint32_t INFINITE = TProofNumbers::INFINITE;
+
+/// Where a sort indication tells White's move, any other must look so much easier to be tried: one
+/// that is part of a line of the solution is hardly ever wrong.
+constexpr std::uint32_t WEIGHT_BEHIND_INDICATED = 8, WEIGHT_BESIDE_LINE = 32;
+
+/// A number times a weight, short of infinity.
+std::uint32_t Weighted(std::uint32_t nNumber, std::uint64_t nWeight)
+{
+    return nNumber >= INFINITE ? INFINITE
+                               : static_cast<std::uint32_t>(
+                                     std::min<std::uint64_t>(INFINITE - 1, nNumber * nWeight));
+}
 
 /// Number of the kind that decides for the side to move by its least child.
 std::uint32_t& Own(TProofNumbers& numbers, bool bWhite)
@@ -129,6 +143,29 @@ void TProofSearch::Expand(TChessboard& board, std::vector<TChild>& vecChildren)
             return;
         }
     }
+    if (bWhite)
+        PutBehindIndicated(board, vecChildren);
+}
+
+/// Moves of White beside those that the sort indications want early get a weight. One that is to be
+/// tried late is no more than any other.
+void TProofSearch::PutBehindIndicated(TChessboard& board, std::vector<TChild>& vecChildren)
+{
+    TNodeIndications indications(board, m_request.m_nRequestedMoves);
+    if (!indications.Apply())
+        return;
+    std::bitset<MAX_MOVES + 1> early;
+    for (std::size_t i = 0; i < vecChildren.size(); ++i) {
+        TChessboard& child = m_context.MakeChild(board);
+        Make(child, vecChildren[i].m_move);
+        const auto nScore = indications.Score(child);
+        early[i] = nScore && *nScore < 0;
+    }
+    for (std::size_t i = 0; early.any() && i < vecChildren.size(); ++i) {
+        if (!early[i])
+            vecChildren[i].m_nWeight =
+                indications.HasMatchedLine() ? WEIGHT_BESIDE_LINE : WEIGHT_BEHIND_INDICATED;
+    }
 }
 
 /// The other number is the largest of the children's and one for each further child: their sum
@@ -140,15 +177,14 @@ TProofSearch::TChoice TProofSearch::Choose(const std::vector<TChild>& vecChildre
     std::uint32_t nLeast = INFINITE, nLargest = 0, nBestRank = INFINITE;
     for (std::size_t i = 0; i < vecChildren.size(); ++i) {
         TProofNumbers numbers = vecChildren[i].m_numbers;
-        const std::uint32_t nOwn = Own(numbers, bWhite), nOther = Other(numbers, bWhite);
+        const std::uint32_t nOwn = Weighted(Own(numbers, bWhite), vecChildren[i].m_nWeight);
+        const std::uint32_t nOther = Other(numbers, bWhite);
         nLargest = std::max(nLargest, nOther);
         choice.m_nOpen += nOther > 0;
         std::uint32_t nRank = nOwn;
         if (nOwn < INFINITE) {
             const auto& nVisitors = m_table.Visitors(vecChildren[i].m_nKey, nPlies - 1);
-            const std::uint64_t nWeight = 1 + nVisitors.load(std::memory_order_relaxed);
-            nRank =
-                static_cast<std::uint32_t>(std::min<std::uint64_t>(INFINITE - 1, nOwn * nWeight));
+            nRank = Weighted(nOwn, 1 + nVisitors.load(std::memory_order_relaxed));
         }
         if (nRank < nBestRank) {
             nBestRank = nRank;
@@ -173,8 +209,9 @@ TProofNumbers TProofSearch::Limits(const TChoice& choice, const TChild& child, T
 {
     TProofNumbers numbers = child.m_numbers, result;
     const std::uint32_t nSecond = std::min(choice.m_nSecond, INFINITE - 2);
-    Own(result, bWhite) =
-        std::max(Own(numbers, bWhite), std::min(Own(limits, bWhite) - 1, nSecond)) + 1;
+    Own(result, bWhite) = std::max(Own(numbers, bWhite),
+                                   std::min(Own(limits, bWhite) - 1, nSecond) / child.m_nWeight) +
+                          1;
     const std::uint32_t nOther = Other(limits, bWhite);
     Other(result, bWhite) = std::max(Other(numbers, bWhite) + 1,
                                      nOther > choice.m_nOpen ? nOther - choice.m_nOpen + 1 : 1);

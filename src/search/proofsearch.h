@@ -46,7 +46,8 @@ private:
         TMove m_move;
         TProofNumbers m_numbers;
         std::uint64_t m_nKey;
-        std::uint8_t m_nIndex; ///< in the order of generation
+        std::uint8_t m_nIndex;       ///< in the order of generation
+        std::uint32_t m_nWeight = 1; ///< times its number of the kind that chooses
     };
 
     /// The children of a node, and what follows from their numbers.
@@ -66,6 +67,7 @@ private:
     bool Make(TChessboard& child, TMove move) const;
     bool HasReply(TChessboard& board);
     void Expand(TChessboard& board, std::vector<TChild>& vecChildren);
+    void PutBehindIndicated(TChessboard& board, std::vector<TChild>& vecChildren);
     TProofNumbers Evaluate(TChessboard& child, std::uint64_t nKey);
     TChoice Choose(const std::vector<TChild>& vecChildren, int nPlies, bool bWhite) const;
     TProofNumbers Limits(const TChoice& choice, const TChild& child, TProofNumbers limits,

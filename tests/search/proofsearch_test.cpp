@@ -1,4 +1,5 @@
 #include "chess/fen.h"
+#include "chess/notation.h"
 #include "search/proofsearch.h"
 #include "search/scout.h"
 #include "search/solve.h"
@@ -67,6 +68,74 @@ TEST(ProofSearch, AgreesWithTheMainSearch)
     }
     EXPECT_GT(nMates, 30);
     EXPECT_GT(nRefuted, 50);
+}
+
+/// Any moves to try early or late, of the first two moves or in general.
+std::string RandomIndications(std::mt19937& random, const TChessboard& root)
+{
+    TMoveList moves;
+    const int nMoves = root.GenerateWhiteMoves(moves.data());
+    std::string strItems;
+    for (int i = 0; i < 3 && nMoves > 0; ++i) {
+        const TMove& move = moves[random() % nMoves];
+        constexpr const char* aNumbers[] = {"1.", "2.", ""};
+        strItems += std::string(i ? ", " : "") + (random() % 4 ? "" : "~") +
+                    aNumbers[random() % 3] + SquareToString(move.m_from) + "-" +
+                    SquareToString(move.m_to);
+    }
+    return strItems;
+}
+
+TEST(ProofSearch, IndicationsChangeNoAnswer)
+{
+    std::mt19937 random(35);
+    int nMates = 0;
+    for (int i = 0; i < 300; ++i) {
+        TSolvedTask task(ComposedPosition(random), 3);
+        const std::string strItems = RandomIndications(random, task.Root());
+        if (strItems.empty())
+            continue;
+        ParseSortIndications(task.m_request.m_mapSortIndications, strItems);
+        TProofTable table;
+        TProofSearch search(task.Root(), table, 0);
+        const bool bMate = search.Search(ENOUGH) == TProofSearch::EAnswer::Mate;
+        EXPECT_EQ(bMate, !task.m_vecSolutions.empty()) << task.Fen() << " " << strItems;
+        nMates += bMate;
+        if (bMate) {
+            const auto key = search.Confirm();
+            EXPECT_TRUE(key && task.IsSolution(*key)) << task.Fen() << " " << strItems;
+        }
+    }
+    EXPECT_GT(nMates, 20);
+}
+
+/// Positions that the proof takes with these indications.
+std::uint64_t PositionsToProve(const char* pFen, int nMate, const char* pItems)
+{
+    TSolveRequest request;
+    EXPECT_TRUE(ReadFen(*request.m_pChessboard, pFen));
+    request.SetMateIn(nMate);
+    request.m_pChessboard->m_pRequest = &request;
+    if (*pItems)
+        ParseSortIndications(request.m_mapSortIndications, pItems);
+    TProofTable table;
+    TProofSearch search(*request.m_pChessboard, table, 0);
+    while (search.Positions() < ENOUGH && search.Search(1000) == TProofSearch::EAnswer::Open) {
+    }
+    return search.Positions();
+}
+
+TEST(ProofSearch, IndicationsLeadTheWay)
+{
+    constexpr const char* POSITION = "8/8/8/8/7R/7P/6p1/2B1K1kb"; // #12 by Bc1-a3
+    const std::uint64_t nWithout = PositionsToProve(POSITION, 12, "");
+    EXPECT_LT(2 * PositionsToProve(POSITION, 12, "1.Bc1-a3"), nWithout);
+    // What is to be tried late only, and a number that isn't that of the move, lead nowhere.
+    EXPECT_EQ(PositionsToProve(POSITION, 12, "~1.Bc1-a3, 40.Bc1-a3"), nWithout);
+    // A wrong one costs time.
+    const std::uint64_t nWrong = PositionsToProve(POSITION, 12, "1.Rh4-a4");
+    EXPECT_GT(nWrong, nWithout);
+    EXPECT_LT(nWrong, ENOUGH);
 }
 
 TEST(ProofSearch, BelievesNoTable)
