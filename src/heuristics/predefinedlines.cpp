@@ -14,7 +14,10 @@ constexpr TPredefinedLine g_aLines[] = {
      "Bd6-f4 Kg1-f2 12. Bf4-h2#"},
     {"8/pp1p4/rrbQ4/kp1n4/1p6/8/P1N5/K7", nullptr},
     {"n1B2b1r/5p1n/1pK2pb1/1N4pq/2p1k1p1/1p4B1/1R1P2P1/2N5", nullptr},
-    {"rn4b1/2p3p1/1pB5/p1nP3N/R1P1kBpN/2P5/2KP2P1/2b5", nullptr},
+    {"rn4b1/2p3p1/1pB5/p1nP3N/R1P1kBpN/2P5/2KP2P1/2b5",
+     "1. Bc6-e8 Bg8-h7 2. Nh4-g6 Ke4-f5 3. Nh5:g7+ Kf5-e4 4. Ng7-h5 Ke4-f5 5. Ng6-h4+ Kf5-e4 6. "
+     "g2-g3 Nb8-d7 7. Nh5-f6+ Nd7:f6 8. Be8-c6 Bh7-g8 9. d5-d6+ Nf6-d5 10. c4:d5+ Nc5:a4 11. "
+     "d2-d3#"},
     {"1r6/1n2NNp1/5p2/R1p2B2/4pk1P/2P4R/1Bp3p1/3n1bK1",
      "1. Ra5-a4 c5-c4 2. Ra4-a5 Nb7:a5 3. Bb2-a3 Na5-b7 4. Nf7-d6 Kf4-e5 5. Ne7-g6+ Ke5-d5 6. "
      "Bf5:e4+ Kd5-e6 7. Be4-f5+ Ke6-d5 8. Ng6-e7+ Kd5-e5 9. Nd6-f7+ Ke5-f4 10. Ba3-c1+ Nd1-e3 11. "
@@ -41,7 +44,10 @@ constexpr TPredefinedLine g_aLines[] = {
     {"n4N1n/1p1B1p2/1P5p/2Pk4/1P1p3r/K2PpNp1/2P3R1/6B1",
      "1. Rg2-h2 g3:h2 2. Bd7-c8 Kd5-c6 3. Nf3-e5+ Kc6-d5 4. Bg1:h2 Rh4:h2 5. Ne5-f3 Kd5-c6 6. "
      "Bc8-d7+ Kc6-d5 7. Nf8-h7 Rh2-h3 8. Nh7-f6#"},
-    {"3qr3/1p1pB2p/1P1P4/Pnb2B1N/p5P1/r1p1kN2/P3P3/5K2", nullptr},
+    {"3qr3/1p1pB2p/1P1P4/Pnb2B1N/p5P1/r1p1kN2/P3P3/5K2",
+     "1. Nh5-f6 Ke3-f4 2. Kf1-g2 Kf4-e3 3. Bf5-d3 Ke3-f4 4. Kg2-h3 Kf4-e3 5. Kh3-g3 Bc5:d6 6. "
+     "Kg3-g2 Ke3-f4 7. Bd3-f5 Kf4-e3 8. Kg2-f1 Ke3-f4 9. Kf1-f2 Bd6-c5 10. Kf2-g2 Kf4-e3 11. "
+     "Kg2-f1 Ke3-f4 12. Nf6-h5+ Kf4-e3 13. Be7:c5+ Nb5-d4 14. Bc5:d4#"},
     {"8/1p4Pp/1p6/1p6/1p5p/5r1k/5p1p/5Kbr", nullptr},
     {"2b3BB/r2p4/p3P3/1n1N1kpP/2r1N1p1/R2P4/2q1P2P/4b2K", nullptr},
     {"5r1b/1pR4n/5kp1/1pNp2p1/R2P1P1P/4N1Pr/2P5/K4b2", nullptr},
@@ -104,8 +110,16 @@ constexpr TPredefinedLine g_aLines[] = {
      "Kf2-f3 Kh2-g1 7. Nf4-e2+ Kg1-h2 8. Ne2:g3 Kh2-g1 9. Ng3-e2+ Kg1-h2 10. Kf3-f2 f5-f4 11. "
      "Ne2-g1 f4-f3 12. Ng1:f3#"},
     {"n2b4/4B1pN/p7/4pBp1/rpb2kP1/1p6/P2P3P/3KN3", nullptr},
-    {"8/6p1/8/8/8/7p/2KB2n1/k6B", nullptr},
-    {"4r2n/1R6/2n1p1P1/b3p1Bb/p1ppN1p1/rp3kNp/B1P4P/6K1", nullptr},
+    {"8/6p1/8/8/8/7p/2KB2n1/k6B",
+     "1. Kc2-b3 Ka1-b1 2. Bd2-g5 Kb1-a1 3. Bg5-c1 Ka1-b1 4. Bc1-b2 g7-g6 5. Bb2-a3 Kb1-a1 6. "
+     "Ba3-c1 Ka1-b1 7. Bc1-b2 g6-g5 8. Bb2-a3 Kb1-a1 9. Ba3-e7 g5-g4 10. Be7-f6+ Ka1-b1 11. Bf6-b2 "
+     "g4-g3 12. Bb2-a3 Kb1-a1 13. Ba3-c1 Ka1-b1 14. Bc1-b2 h3-h2 15. Bb2-a3 Kb1-a1 16. Ba3-c1 "
+     "Ka1-b1 17. Bc1-b2 Ng2-f4 18. Bh1-e4+ Nf4-d3 19. Be4:d3#"},
+    {"4r2n/1R6/2n1p1P1/b3p1Bb/p1ppN1p1/rp3kNp/B1P4P/6K1",
+     "1. Bg5-c1 Ba5-d8 2. Ne4-d2+ Kf3-f4 3. Nd2:c4+ Kf4-f3 4. Nc4-d2+ Kf3-f4 5. Nd2-e4+ Kf4-f3 6. "
+     "Bc1-h6 Bd8-a5 7. Ne4-g5+ Kf3-f4 8. Ng5:e6+ Kf4-f3 9. Ne6-g5+ Kf3-f4 10. Ng5-e4+ Kf4-f3 11. "
+     "Bh6-c1 Ba5-d8 12. Rb7-e7 Bd8:e7 13. Ne4-d2+ Kf3-f4 14. Nd2:b3+ Kf4-f3 15. Nb3:d4+ Nc6:d4 16. "
+     "Ba2-d5+ e5-e4 17. Bd5:e4#"},
     {"8/8/8/5Q2/5p2/p7/1p2p3/kN1K4", nullptr},
     {"1Nb5/2p1pp2/5np1/1pp1rp2/2R4P/1N2kpP1/1K1R4/8",
      "1. Rc4-c1 f3-f2 2. Rc1-c3+ Ke3-e4 3. Rd2-e2+ Ke4-d5 4. Rc3:c5+ Kd5-d6 5. Rc5-c6+ Kd6-d5 6. "
