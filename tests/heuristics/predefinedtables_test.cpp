@@ -1,13 +1,18 @@
 #include "chess/fen.h"
 #include "chess/notation.h"
 #include "heuristics/predefined.h"
+#include "platform/watchdog.h"
 #include "search/plainsearch.h"
 #include "search/solve.h"
+#include "search/verify.h"
 #include "support/data.h"
 #include "support/positions.h"
 #include "support/slowchess.h"
 
 #include <gtest/gtest.h>
+
+#include <atomic>
+#include <chrono>
 
 namespace corvina
 {
@@ -141,6 +146,52 @@ TEST(PredefinedTables, LinesAreSolutions)
         }
     }
     EXPECT_GE(nChecked, 3 * nLines);
+}
+
+/// Runs with a limit of time; true when it wasn't reached.
+template <class TRun>
+bool RunWithin(std::chrono::seconds limit, TSolveRequest& request, TRun run)
+{
+    std::atomic<bool> bExpired = false;
+    const TWatchdog watchdog(limit, [&] {
+        bExpired = true;
+        request.SetStopState(TStopBlock::STOP, TStopBlock::ALL_THREADS);
+    });
+    run();
+    return !bExpired;
+}
+
+/// Every defence against the first move of a line is walked, down to the mates. A line may be a
+/// move shorter than the mate that was proved, when Black's longest defence wasn't found.
+TEST(PredefinedTables, KeysHoldAgainstEveryDefence)
+{
+    constexpr std::chrono::seconds LIMIT(2);
+    int nLines = 0, nVerified = 0;
+    for (const auto& [strFen, vecTexts] : PredefinedTables().m_predefinedLines) {
+        if (vecTexts.empty())
+            continue;
+        ++nLines;
+        const TPlayedLine line(strFen, vecTexts.front());
+        TSolveRequest request;
+        *request.m_pChessboard = StartOf(strFen);
+        request.SetMateIn(static_cast<int>(line.m_vecMoves.size()) / 2 + 2);
+        request.m_bAnalyse = request.m_bProofSearch = true;
+        TRunSettings settings;
+        settings.m_bStopAtFirstSolution = settings.m_bUsePredefinedSettings = true;
+        TSolveOutcome outcome;
+        if (!RunWithin(LIMIT, request, [&] { outcome = Solve(request, settings); }))
+            continue;
+        ASSERT_EQ(outcome.m_vecSolutions.size(), 1u) << strFen;
+        TVerification verification;
+        const TMove key = line.m_vecMoves.front();
+        request.ClearStopState();
+        const bool bDone =
+            RunWithin(LIMIT, request, [&] { verification = VerifyKey(request, key); });
+        EXPECT_TRUE(verification.m_bHolds || !bDone) << strFen << ": " << vecTexts.front();
+        nVerified += verification.m_bHolds;
+    }
+    RecordProperty("verified", nVerified);
+    EXPECT_GT(2 * nVerified, nLines);
 }
 
 } // namespace
