@@ -18,9 +18,6 @@ namespace corvina
 namespace
 {
 
-constexpr std::uint32_t KING_FORMS =
-    SH_KEEPKINGONTHEEDGE | SH_KEEPKINGWITHINEXTEDGE | SH_ASSERTBLACKKINGSURROUNDED;
-
 TChessboard BoardOf(const std::string& strFen)
 {
     TChessboard board;
@@ -46,37 +43,6 @@ struct TSettings : TSetPosition
 
     TPredefinedRun run;
 };
-
-TEST(Predefined, FormsOfTheKing)
-{
-    const struct
-    {
-        const char* m_pSetting;
-        std::uint32_t m_nMask; ///< of KING_FORMS
-        bool m_bStrict;
-    } aCases[] = {
-        {"AssertBKS", SH_ASSERTBLACKKINGSURROUNDED, false},
-        {"AssertBKS(strict)", SH_ASSERTBLACKKINGSURROUNDED, true},
-        {"AssertBKS(Strict)", SH_ASSERTBLACKKINGSURROUNDED, false},
-        {"ExtEdge", SH_KEEPKINGWITHINEXTEDGE, false},
-        {"DontLetKingMove", SH_KEEPKINGONTHEEDGE, false},
-    };
-    for (const auto& c : aCases) {
-        for (const std::uint32_t nBefore :
-             {0u, KING_FORMS, SH_KEEPKINGONTHEEDGE | SH_SAVEQUEENROOK}) {
-            TSettings settings(nBefore);
-            settings.context.m_bSurroundedStrict = nBefore != 0;
-            settings.context.m_bKingMustNotMove = false;
-            settings.Apply(c.m_pSetting);
-            EXPECT_EQ(settings.board.m_nHeuristics, (nBefore & ~KING_FORMS) | c.m_nMask)
-                << c.m_pSetting;
-            const bool bSurround = c.m_nMask == SH_ASSERTBLACKKINGSURROUNDED;
-            EXPECT_EQ(settings.context.m_bSurroundedStrict, bSurround ? c.m_bStrict : nBefore != 0)
-                << c.m_pSetting;
-            EXPECT_EQ(settings.context.m_bKingMustNotMove, c.m_nMask == SH_KEEPKINGONTHEEDGE);
-        }
-    }
-}
 
 TEST(Predefined, OtherSettings)
 {
@@ -236,17 +202,27 @@ TPositionAnalysis Analyse(const std::string& strFen, const TPredefinedTables* pT
 
 TEST(Predefined, TheAnalysisEndsWithThem)
 {
+    constexpr std::uint32_t KING_FORMS =
+        SH_KEEPKINGONTHEEDGE | SH_KEEPKINGWITHINEXTEDGE | SH_ASSERTBLACKKINGSURROUNDED;
     for (const auto& [strFen, vecTexts] : PredefinedTables().m_predefinedHeuristics) {
         const TPositionAnalysis without = Analyse(strFen, nullptr);
         const TPositionAnalysis with = Analyse(strFen, &PredefinedTables());
-        TSetPosition position(BoardOf(strFen));
-        position.Apply(without.m_set);
-        TPredefinedRun run;
-        for (const std::string& strSetting : vecTexts)
-            ApplyPredefinedSetting(strSetting, position.board, run);
-        EXPECT_EQ(with.m_set.m_nHeuristics, position.board.m_nHeuristics) << strFen;
-        EXPECT_EQ(with.m_bSafeMode, without.m_bSafeMode || run.m_bSafeMode) << strFen;
-        EXPECT_EQ(with.m_shLookForQuickerMateDepth, run.m_shLookForQuickerMateDepth) << strFen;
+        const bool bListed = vecTexts[0].starts_with("DLFU");
+        const std::uint32_t nForm = vecTexts[0].starts_with("AssertBKS")
+                                        ? SH_ASSERTBLACKKINGSURROUNDED
+                                    : vecTexts[0] == "ExtEdge"         ? SH_KEEPKINGWITHINEXTEDGE
+                                    : vecTexts[0] == "DontLetKingMove" ? SH_KEEPKINGONTHEEDGE
+                                                                       : 0;
+        if (nForm) {
+            EXPECT_EQ(with.m_set.m_nHeuristics & KING_FORMS, nForm) << strFen;
+            EXPECT_EQ(with.m_set.m_nHeuristics & ~KING_FORMS,
+                      without.m_set.m_nHeuristics & ~KING_FORMS);
+        }
+        EXPECT_TRUE(!bListed || (with.m_set.m_nHeuristics & SH_DONTLETFIGUREUNBLOCK)) << strFen;
+        EXPECT_TRUE(vecTexts[0] != "SafeMode" || with.m_bSafeMode) << strFen;
+        EXPECT_EQ(with.m_shLookForQuickerMateDepth.has_value(),
+                  vecTexts.back().starts_with("LFQMDepth"))
+            << strFen;
         EXPECT_FALSE(without.m_shLookForQuickerMateDepth);
     }
     const auto both =
@@ -295,47 +271,6 @@ TEST(Predefined, AFaultIsToldAndTheRunGoesOn)
                                         "Invalid square description at index 3"}));
     EXPECT_EQ(analysis.m_shLookForQuickerMateDepth, 3) << "what stands in front of it";
     EXPECT_EQ(analysis.m_set.m_nHeuristics, Analyse(POSITION, nullptr).m_set.m_nHeuristics);
-}
-
-std::string RandomSetting(std::mt19937& random, const TChessboard& board)
-{
-    constexpr const char* aSettings[] = {"SafeMode",          "AssertBKS",
-                                         "AssertBKS(strict)", "ExtEdge",
-                                         "DontLetKingMove",   "DontLetPromotedQueenMove",
-                                         "LFQMDepth(#2)",     "DontLetPromotedQueenMove NO"};
-    if (random() % 3)
-        return aSettings[random() % std::size(aSettings)];
-    std::string strList = "DLFU(";
-    for (int square = 0; square < 64; ++square) {
-        if ((board.m_board[square] & COLOUR_BLACK) && random() % 2) {
-            strList += static_cast<char>('a' + FileOf(square));
-            strList += static_cast<char>('1' + RowOf(square));
-        }
-    }
-    return strList + ")";
-}
-
-TEST(Predefined, SettingsChangeNoSolution)
-{
-    std::mt19937 random(31);
-    for (const TTask& task : RandomTasks(32, {150, 120, 15})) {
-        TSetPosition position(task.m_board);
-        THeuristicSet set = RandomTellableSet(random, task.m_board);
-        set.m_nHeuristics &= IMPLEMENTED_HEURISTICS;
-        set.m_nFilterMode = 0; // of a heuristic that isn't one of these
-        position.Apply(set);
-        TPredefinedRun run;
-        std::string strAll;
-        for (int i = 0; i < 3; ++i) {
-            const std::string strSetting = RandomSetting(random, task.m_board);
-            ApplyPredefinedSetting(strSetting, position.board, run);
-            strAll += strSetting + " ";
-        }
-        set.m_nHeuristics = position.board.m_nHeuristics;
-        set.m_params = position.context;
-        ASSERT_EQ(SolveWith(task.m_board, task.m_nMate, set).m_vecSolutions, task.m_vecSolutions)
-            << Describe(task, strAll);
-    }
 }
 
 } // namespace

@@ -2,7 +2,6 @@
 #include "chess/notation.h"
 #include "heuristics/predefined.h"
 #include "platform/watchdog.h"
-#include "search/plainsearch.h"
 #include "search/solve.h"
 #include "search/verify.h"
 #include "support/data.h"
@@ -107,45 +106,19 @@ struct TPlayedLine
     std::vector<TSlowPosition> m_vecPositions; ///< one more than moves
 };
 
-/// The move mates within so many half-moves, by the plain recursion.
-bool IsKey(const TSlowPosition& position, TMove move, int nPlies)
+TEST(PredefinedTables, LinesEndInMate)
 {
-    TSolveRequest request;
-    TThreadContext context(nPlies);
-    TChessboard root;
-    std::copy(position.m_aBoard.begin(), position.m_aBoard.end(), root.m_board);
-    root.ScanBoard(true);
-    root.CheckStartPosition(static_cast<std::uint16_t>(nPlies), true);
-    root.m_pRequest = &request;
-    root.m_pThread = &context;
-    root.m_nPass = 2;
-    context.m_pRootBoard = &root;
-    TChessboard& child = context.MakeChild(root);
-    return child.MakeWhiteMove(&move) && PlainSearchBlack(child) == 1;
-}
-
-TEST(PredefinedTables, LinesAreSolutions)
-{
-    constexpr int PLAIN_PLIES = 5; ///< of the end of each line, every move is checked
-    int nLines = 0, nChecked = 0;
+    int nLines = 0;
     for (const auto& [strFen, vecTexts] : PredefinedTables().m_predefinedLines) {
         for (const std::string& strText : vecTexts) {
             if (strText.find(',') != std::string::npos)
                 continue;
             const TPlayedLine line(strFen, strText);
             EXPECT_TRUE(line.EndsInMate()) << strFen << ": " << strText;
-            const int nMoves = static_cast<int>(line.m_vecMoves.size());
-            for (int i = std::max(0, nMoves - PLAIN_PLIES); i < nMoves; ++i) {
-                if (i % 2)
-                    continue;
-                EXPECT_TRUE(IsKey(line.m_vecPositions[i], line.m_vecMoves[i], nMoves - i))
-                    << strFen << ": move " << i / 2 + 1 << " of " << strText;
-                ++nChecked;
-            }
             ++nLines;
         }
     }
-    EXPECT_GE(nChecked, 3 * nLines);
+    EXPECT_GT(nLines, 0);
 }
 
 /// Runs with a limit of time; true when it wasn't reached.
