@@ -13,15 +13,15 @@ namespace
 {
 
 /// A round grows the graph by this share, since before the next one all of it is gone through.
-constexpr std::size_t GROWTH_DIVISOR = 20;
-constexpr std::size_t MIN_GROWTH = 200;
+constexpr std::size_t GROWTH_DIVISOR = 200;
+constexpr std::size_t MIN_GROWTH = 100;
 
 /// TMateGraph::Update, as long as no mate is known.
 constexpr int DEPTH_DIVISOR = 4;
 
 /// With a mate that is too long they take turns, so many rounds each.
 constexpr std::array g_anDepthDivisors = {4, 2, 1, 8};
-constexpr int ROUNDS_OF_DIVISOR = 6;
+constexpr int ROUNDS_OF_DIVISOR = 60;
 
 /// Of more replies only those that the rules of the figures allow are counted.
 constexpr int MAX_COUNTED_REPLIES = 8;

@@ -2,6 +2,7 @@
 #define CORVINA_SEARCH_MATEGRAPH_H
 
 #include "search/blocks.h"
+#include "search/keyplaces.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -21,10 +22,13 @@ namespace corvina
 /// of a move the largest of its replies and some more for each further one; of a position the least
 /// of its moves. A mate that comes too late for the root costs by how much, so that a shorter one
 /// is looked for.
+///
+/// Mates and costs are kept up to date: an update goes through what has changed and what hangs on
+/// it, and through all only when what the graph is measured by has changed.
 class TMateGraph
 {
 public:
-    static constexpr std::uint32_t NONE = UINT32_MAX;
+    static constexpr std::uint32_t NONE = TKeyPlaces::NONE;
 
     /// Stands for a mate in one, which needs no move of the graph.
     static constexpr std::uint8_t MATE_IN_ONE = UINT8_MAX;
@@ -50,8 +54,9 @@ public:
     void OpenMove(std::uint32_t nMove, std::span<const std::uint32_t> replies);
 
     /// Finds the shortest mates of the graph as it stands, and what is missing elsewhere: for a
-    /// share of 2 / nDepthDivisor for each move played; 0: none. False: it has been stopped, and
-    /// the answers are not to be used. The test for a stop is called now and then.
+    /// share of 2 / nDepthDivisor for each move played; 0: none. Another divisor than the last one
+    /// takes longer. False: it has been stopped, and the answers are not to be used. The test for a
+    /// stop is called now and then.
     bool Update(int nDepthDivisor, const std::function<bool()>& isStopped);
 
     /// What is to be given moves, and which moves are to be opened, about nWanted in all: those
@@ -81,6 +86,9 @@ public:
     /// The move that leads to it, or MATE_IN_ONE.
     std::uint8_t MoveOf(std::uint32_t nNode) const { return m_nodes[nNode].m_nMateIndex; }
 
+    /// What is missing, as of the last update; NONE: the graph has no mate in it.
+    std::uint32_t CostOf(std::uint32_t nNode) const { return m_nodes[nNode].m_nCost; }
+
 private:
     enum class EState : std::uint8_t
     {
@@ -94,23 +102,23 @@ private:
         std::uint64_t m_nKey;
         std::uint32_t m_nFirstMove = NONE;
         std::uint32_t m_nFirstLink = NONE; ///< to the moves that a reply to leads here
-        std::uint32_t m_nCost = 0;
-        std::uint32_t m_nExcess = 0; ///< by which the root would cost more on the way by this node
+        std::uint32_t m_nCost = NONE;
+        std::uint32_t m_nDueCost = NONE; ///< by the costs of its moves as they stand
+        std::uint32_t m_nExcess = NONE;  ///< by which the root would cost more on the way by it
         std::uint16_t m_nMoves = 0;
         std::uint16_t m_nLevel = 0;
         std::uint16_t m_nMate = 0;
         std::uint8_t m_nMateIndex = 0;
         EState m_state = EState::Open;
+        bool m_bChanged = false; ///< it waits for an update
     };
 
     struct TWhiteMove
     {
         std::uint32_t m_nNode; ///< where it is made
         std::uint32_t m_nFirstReply = NONE;
-        std::uint32_t m_nCost = 0;
+        std::uint32_t m_nCost = NONE;
         std::uint16_t m_nReplies;
-        std::uint16_t m_nLeft = 0; ///< replies that an update hasn't come to
-        std::uint16_t m_nUnsolved = 0;
         std::uint8_t m_nIndex;
     };
 
@@ -131,27 +139,41 @@ private:
 
     private:
         std::vector<std::vector<std::uint32_t>> m_vecBuckets;
+        std::size_t m_nUsed = 0; ///< those behind are empty
     };
 
-    std::size_t PlaceOf(std::uint64_t nKey) const;
-    void Rehash();
-    bool FindMates(const std::function<bool()>& isStopped);
+    /// The test for a stop is called so seldom.
+    static bool IsTimeToLook(std::size_t nStep) { return nStep % (1 << 15) == 0; }
+
+    void NoteChange(std::uint32_t nNode);
+    void NoteMate(std::uint32_t nNode, int nMate, std::uint8_t nIndex);
+    void TryMateBy(std::uint32_t nMove);
+    bool SpreadMates(const std::function<bool()>& isStopped);
     bool FindLevels(const std::function<bool()>& isStopped);
-    bool FindCosts(int nDepthDivisor, const std::function<bool()>& isStopped);
     bool IsSolvedInTime(const TNode& node) const;
-    void SpreadCost(std::uint32_t nNode, std::uint32_t nCost);
+    int DelayOf(const TNode& node) const;
+    std::uint32_t CostOfMove(const TWhiteMove& move) const;
+    std::uint32_t DueCost(const TNode& node) const;
+    void CountMoves(std::uint32_t nNode);
+    void Await(std::uint32_t nNode);
+    void SpreadCost(std::uint32_t nNode);
+    bool UpdateCosts(const std::function<bool()>& isStopped);
     void SpreadExcess(const TNode& node, std::uint32_t nExcess);
 
     const int m_nMaxMoves;
     TBlocks<TNode> m_nodes;
     TBlocks<TWhiteMove> m_moves;
     TBlocks<TLink> m_links;
-    TBlocks<std::uint32_t> m_replies;       ///< nodes, of one move after the other
-    std::vector<std::uint32_t> m_vecPlaces; ///< nodes by hash, open addressing
-    std::uint32_t m_nMovesOf = NONE;        ///< the node of AddMove
-    std::uint32_t m_nLeveledSize = 0;       ///< nodes of the graph when the levels were found
-    int m_nCaution = 0;                     ///< moves by which levels are taken to be too low
-    TBlocks<std::uint32_t> m_queue;
+    TBlocks<std::uint32_t> m_replies;  ///< nodes, of one move after the other
+    TKeyPlaces m_places;               ///< of the nodes
+    std::uint32_t m_nMovesOf = NONE;   ///< the node of AddMove
+    std::uint32_t m_nLeveledSize = 0;  ///< nodes of the graph when the levels were found
+    int m_nCaution = 0;                ///< moves by which levels are taken to be too low
+    int m_nDepthDivisor = 0;           ///< of the last update
+    bool m_bAllChanged = true;         ///< the next update counts every cost anew
+    TBlocks<std::uint32_t> m_changed;  ///< nodes that wait for an update
+    TBlocks<std::uint32_t> m_newMates; ///< nodes whose mates haven't been spread
+    TBlocks<std::uint32_t> m_queue, m_reached;
     TBuckets m_costs, m_lazyMoves;
 };
 

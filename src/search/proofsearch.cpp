@@ -19,6 +19,10 @@ constexpr std::uint32_t INFINITE = TProofNumbers::INFINITE;
 /// that is part of a line of the solution is hardly ever wrong.
 constexpr std::uint32_t WEIGHT_BEHIND_INDICATED = 8, WEIGHT_BESIDE_LINE = 32;
 
+/// A position of Black that hasn't been looked into costs one proof more for so many further
+/// replies: each is one more to be shown, but most of them lead to the same.
+constexpr std::uint32_t REPLIES_OF_ONE = 4;
+
 /// A number times a weight, short of infinity.
 std::uint32_t Weighted(std::uint32_t nNumber, std::uint64_t nWeight)
 {
@@ -78,23 +82,25 @@ bool TProofSearch::Make(TChessboard& child, TMove move) const
                                             : child.MakeBlackMove(&move);
 }
 
-bool TProofSearch::HasReply(TChessboard& board)
+/// Black's replies by the rules of the figures; 0: none of them is legal.
+int TProofSearch::CountReplies(TChessboard& board)
 {
-    if (board.m_blackChecker != NO_CHECK)
-        return board.CanBlackEscapeCheck();
+    if (board.m_blackChecker != NO_CHECK && !board.CanBlackEscapeCheck())
+        return 0;
     TMoveList moves;
     const int nMoves = board.GenerateBlackMoves(moves.data());
-    return std::any_of(moves.data(), moves.data() + nMoves,
-                       [&](const TMove& move) { return Make(m_context.MakeChild(board), move); });
+    const auto isLegal = [&](const TMove& move) { return Make(m_context.MakeChild(board), move); };
+    const bool bAny = board.m_blackChecker != NO_CHECK ||
+                      std::any_of(moves.data(), moves.data() + nMoves, isLegal);
+    return bAny ? nMoves : 0;
 }
 
 /// Numbers of a position that the table doesn't know.
 TProofNumbers TProofSearch::Evaluate(TChessboard& child, std::uint64_t nKey)
 {
-    constexpr TProofNumbers OPEN = {1, 1};
     if (!child.IsWhiteToMove()) {
-        if (HasReply(child))
-            return OPEN;
+        if (const int nReplies = CountReplies(child))
+            return {1 + static_cast<std::uint32_t>(nReplies - 1) / REPLIES_OF_ONE, 1};
         if (child.m_blackChecker == NO_CHECK) {
             m_table.StoreNoMate(nKey, TProofTable::EVER);
             return TProofNumbers::NoMate();
@@ -108,7 +114,7 @@ TProofNumbers TProofSearch::Evaluate(TChessboard& child, std::uint64_t nKey)
         return TProofNumbers::Mate();
     }
     if (child.m_nMoves > EXACT_PLIES)
-        return OPEN;
+        return {1, 1};
     m_table.StoreNoMate(nKey, child.m_nMoves);
     return TProofNumbers::NoMate();
 }

@@ -65,7 +65,7 @@ private:
     }
 
     bool Make(TChessboard& child, TMove move) const;
-    bool HasReply(TChessboard& board);
+    int CountReplies(TChessboard& board);
     void Expand(TChessboard& board, std::vector<TChild>& vecChildren);
     void PutBehindIndicated(TChessboard& board, std::vector<TChild>& vecChildren);
     TProofNumbers Evaluate(TChessboard& child, std::uint64_t nKey);

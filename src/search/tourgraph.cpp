@@ -1,7 +1,5 @@
 #include "search/tourgraph.h"
 
-#include <bit>
-
 namespace corvina
 {
 namespace
@@ -14,34 +12,20 @@ constexpr std::size_t STOP_PERIOD = 1 << 16;
 
 } // namespace
 
-TTourGraph::TTourGraph(std::uint32_t nMaxNodes)
-    : m_vecPlaces(std::bit_ceil(std::size_t{2} * (nMaxNodes + 1)), NO_NODE)
-{
-}
-
-/// Place of the key's node, or the free one where it belongs.
-std::size_t TTourGraph::PlaceOf(std::uint64_t nKey) const
-{
-    const std::size_t nMask = m_vecPlaces.size() - 1;
-    std::size_t nPlace = nKey & nMask;
-    while (m_vecPlaces[nPlace] != NO_NODE && m_nodes[m_vecPlaces[nPlace]].m_nKey != nKey)
-        nPlace = (nPlace + 1) & nMask;
-    return nPlace;
-}
+TTourGraph::TTourGraph(std::uint32_t nMaxNodes) : m_places(nMaxNodes) {}
 
 std::uint32_t TTourGraph::Add(std::uint64_t nKey, int nLevel)
 {
-    const std::size_t nPlace = PlaceOf(nKey);
-    if (m_vecPlaces[nPlace] == NO_NODE) {
+    const std::uint32_t nNode =
+        m_places.FindOrAdd(nKey, Size(), [this](std::uint32_t n) { return m_nodes[n].m_nKey; });
+    if (nNode == Size())
         m_nodes.push_back({nKey, END, static_cast<std::uint16_t>(nLevel), 0, 0});
-        m_vecPlaces[nPlace] = Size() - 1;
-    }
-    return m_vecPlaces[nPlace];
+    return nNode;
 }
 
 std::uint32_t TTourGraph::Find(std::uint64_t nKey) const
 {
-    return m_vecPlaces[PlaceOf(nKey)];
+    return m_places.Find(nKey, [this](std::uint32_t n) { return m_nodes[n].m_nKey; });
 }
 
 void TTourGraph::AddMove(std::uint32_t nNode, std::uint8_t nMove,
@@ -104,9 +88,8 @@ bool TTourGraph::Solve(const std::function<bool()>& isStopped)
 std::size_t TTourGraph::Bytes() const
 {
     return m_nodes.size() * sizeof(TNode) + m_moves.size() * sizeof(TWhiteMove) +
-           m_links.size() * sizeof(TLink) +
-           (m_vecPlaces.size() + m_mated.size()) * sizeof(std::uint32_t) +
-           m_left.size() * sizeof(std::uint16_t);
+           m_links.size() * sizeof(TLink) + m_places.Bytes() +
+           m_mated.size() * sizeof(std::uint32_t) + m_left.size() * sizeof(std::uint16_t);
 }
 
 } // namespace corvina

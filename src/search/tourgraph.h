@@ -2,12 +2,12 @@
 #define CORVINA_SEARCH_TOURGRAPH_H
 
 #include "search/blocks.h"
+#include "search/keyplaces.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <span>
-#include <vector>
 
 namespace corvina
 {
@@ -18,7 +18,7 @@ namespace corvina
 class TTourGraph
 {
 public:
-    static constexpr std::uint32_t NO_NODE = UINT32_MAX;
+    static constexpr std::uint32_t NO_NODE = TKeyPlaces::NONE;
 
     /// Stands for a mate in one, which needs no move of the graph.
     static constexpr std::uint8_t MATE_IN_ONE = UINT8_MAX;
@@ -76,15 +76,14 @@ private:
         std::uint32_t m_nNext;
     };
 
-    std::size_t PlaceOf(std::uint64_t nKey) const;
     void ClearMates();
 
     TBlocks<TNode> m_nodes;
     TBlocks<TWhiteMove> m_moves;
     TBlocks<TLink> m_links;
-    std::vector<std::uint32_t> m_vecPlaces; ///< nodes by hash, open addressing
-    TBlocks<std::uint16_t> m_left;          ///< replies of each move that aren't mated, for Solve
-    TBlocks<std::uint32_t> m_mated;         ///< nodes in the order of their mates, for Solve
+    TKeyPlaces m_places;            ///< of the nodes
+    TBlocks<std::uint16_t> m_left;  ///< replies of each move that aren't mated, for Solve
+    TBlocks<std::uint32_t> m_mated; ///< nodes in the order of their mates, for Solve
 };
 
 } // namespace corvina

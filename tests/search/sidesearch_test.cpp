@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <random>
 
 namespace corvina
@@ -182,6 +183,72 @@ TEST(MateGraph, GrowsToAMateIfThereIsOne)
     EXPECT_GT(nMates, 100);
     EXPECT_GT(nTooLong, 20);
     EXPECT_LT(nOpened, nMoves);
+}
+
+/// The same operations, counted now and then or once at the end.
+TEST(MateGraph, KeepsCostsAndMatesUpToDate)
+{
+    constexpr int NO_LIMIT = 1000;
+    std::mt19937 random(57);
+    int nKnown = 0, nMates = 0;
+    for (int nRound = 0; nRound < 400; ++nRound) {
+        TMateGraph kept(NO_LIMIT), counted(NO_LIMIT);
+        std::array graphs = {&kept, &counted};
+        std::vector<std::uint32_t> vecUnopened;
+        std::uint32_t nMoves = 0;
+        const auto add = [&](std::uint32_t nPlain) {
+            const std::uint32_t nNode = kept.Add(nPlain);
+            EXPECT_EQ(counted.Add(nPlain), nNode);
+            return nNode;
+        };
+        add(0);
+        for (int nStep = 0; nStep < 150; ++nStep) {
+            const auto nNode = static_cast<std::uint32_t>(random() % kept.Size());
+            if (!vecUnopened.empty() && random() % 3) {
+                std::swap(vecUnopened[random() % vecUnopened.size()], vecUnopened.back());
+                std::vector<std::uint32_t> vecReplies;
+                for (auto i = random() % 4; i > 0; --i)
+                    vecReplies.push_back(add(static_cast<std::uint32_t>(random() % 40)));
+                std::sort(vecReplies.begin(), vecReplies.end());
+                vecReplies.erase(std::unique(vecReplies.begin(), vecReplies.end()),
+                                 vecReplies.end());
+                for (TMateGraph* pGraph : graphs)
+                    pGraph->OpenMove(vecUnopened.back(), vecReplies);
+                vecUnopened.pop_back();
+            }
+            else if (kept.IsOpen(nNode)) {
+                const unsigned nOfNode = random() % 4;
+                std::array<int, 3> anReplies{};
+                std::generate(anReplies.begin(), anReplies.end(),
+                              [&] { return 1 + static_cast<int>(random() % 5); });
+                for (TMateGraph* pGraph : graphs) {
+                    if (nOfNode == 0 && nNode != 0) {
+                        pGraph->AddMateInOne(nNode);
+                        continue;
+                    }
+                    pGraph->BeginMoves(nNode);
+                    for (unsigned i = 0; i < nOfNode; ++i)
+                        pGraph->AddMove(static_cast<std::uint8_t>(i), anReplies[i]);
+                }
+                for (unsigned i = 0; i < nOfNode; ++i)
+                    vecUnopened.push_back(nMoves++);
+            }
+            if (random() % 4 == 0) {
+                ASSERT_TRUE(kept.Update(0, GoesOn));
+            }
+            if (random() % 8 == 0)
+                kept.Choose(3, GoesOn);
+        }
+        ASSERT_TRUE(kept.Update(0, GoesOn) && counted.Update(0, GoesOn));
+        for (std::uint32_t i = 0; i < kept.Size(); ++i) {
+            ASSERT_EQ(kept.CostOf(i), counted.CostOf(i)) << nRound << ": " << i;
+            ASSERT_EQ(kept.MateOf(i), counted.MateOf(i)) << nRound << ": " << i;
+            nKnown += kept.CostOf(i) != TMateGraph::NONE && kept.CostOf(i) != 0;
+            nMates += kept.MateOf(i) > 1;
+        }
+    }
+    EXPECT_GT(nKnown, 1000);
+    EXPECT_GT(nMates, 200);
 }
 
 /// A root for searches of their own.
