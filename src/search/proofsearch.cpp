@@ -23,6 +23,11 @@ constexpr std::uint32_t WEIGHT_BEHIND_INDICATED = 8, WEIGHT_BESIDE_LINE = 32;
 /// replies: each is one more to be shown, but most of them lead to the same.
 constexpr std::uint32_t REPLIES_OF_ONE = 4;
 
+/// The search stays with a child until it looks worse than the next best by more than one in so
+/// many: each time it comes back, the moves are made again (the 1 + epsilon of Pawlewicz and Lew,
+/// Improving depth-first PN-search, 2007).
+constexpr std::uint32_t PATIENCE = 8;
+
 /// A number times a weight, short of infinity.
 std::uint32_t Weighted(std::uint32_t nNumber, std::uint64_t nWeight)
 {
@@ -214,7 +219,8 @@ TProofNumbers TProofSearch::Limits(const TChoice& choice, const TChild& child, T
                                    bool bWhite) const
 {
     TProofNumbers numbers = child.m_numbers, result;
-    const std::uint32_t nSecond = std::min(choice.m_nSecond, INFINITE - 2);
+    const std::uint32_t nSecond =
+        std::min(choice.m_nSecond + choice.m_nSecond / PATIENCE + 1, INFINITE - 2);
     Own(result, bWhite) = std::max(Own(numbers, bWhite),
                                    std::min(Own(limits, bWhite) - 1, nSecond) / child.m_nWeight) +
                           1;
