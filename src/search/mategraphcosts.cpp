@@ -14,7 +14,7 @@ constexpr std::uint32_t UNKNOWN = TMateGraph::NONE;
 /// late. A high price of replies leads along forcing lines, which reach a mate or an end soon.
 constexpr std::uint32_t OPEN_COST = 8;
 constexpr std::uint32_t MOVE_COST = 2;
-constexpr std::uint32_t REPLY_COST = 8;
+constexpr std::uint32_t REPLY_COST = 16;
 constexpr std::uint32_t DELAY_COST = 8;
 
 /// Beyond it nothing is worth a look.
