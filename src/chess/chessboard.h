@@ -54,6 +54,8 @@ struct alignas(16) TChessboard
     static constexpr std::uint16_t POSITION_MANYFIGURES = 0x20; ///< more than 11, without pawns
     static constexpr std::uint16_t POSITION_LONEBISHOP = 0x80;
     static constexpr std::uint16_t POSITION_SMALLENDING = 0x100;
+    /// A mate was proved behind the pin of a Black rook: short ones are found early or not at all.
+    static constexpr std::uint16_t POSITION_PINNEDROOK = 0x200;
     /// The White king's walk in a sea snake depends on Black's pawns.
     static constexpr std::uint16_t POSITION_PAWNWALK = 0x1000;
     static constexpr std::uint16_t POSITION_BLACKBLOCKED = 0x4000; ///< no Black figure can move
@@ -70,7 +72,13 @@ struct alignas(16) TChessboard
     static constexpr std::uint16_t FLAG_SAVEFIGUREPENDING = 0x20;
     static constexpr std::uint16_t FLAG_FIGUREGIVEN = 0x40; ///< White has lost one and may do so
     static constexpr std::uint16_t FLAG_EDGECHECKDEFERRED = 0x100; ///< m_bEdgeCheckDeferred
+    /// Zugzwang: a short mate is looked for no deeper than TThreadContext::m_nShortMateCap.
+    static constexpr std::uint16_t FLAG_SHORTMATECAP = 0x4;
+    /// The Black bishop has been taken off for the one-colour reduction.
+    static constexpr std::uint16_t FLAG_BISHOPSHUTOUT = 0x400;
     static constexpr std::uint16_t FLAG_FIGURELOST = 0x2000;
+    /// Black's pawn before promotion may catch the White king on an island.
+    static constexpr std::uint16_t FLAG_ISLAND = 0x4000;
     static constexpr std::uint16_t FLAG_EDGERELAXED = 0x8000; ///< m_bEdgeRelaxedInVariant
 
     /// The fields of m_moveFilter.
@@ -81,6 +89,8 @@ struct alignas(16) TChessboard
     static constexpr int BLACK_CAPTURES_SHIFT = 2;
     static constexpr int WHITE_CAPTURES_SHIFT = 4;
     static constexpr std::uint8_t CAPTURES_MASK = 3; ///< of a count, once shifted down
+    /// Black's pawns may not move at TLineContext::m_nBlockPawnsLevel.
+    static constexpr std::uint8_t FILTER_BLOCK_PAWNS = 0x40;
 
     std::uint8_t m_board[64] = {};       ///< figures by square
     TSolveRequest* m_pRequest = nullptr; ///< the open problem and its run; not owned

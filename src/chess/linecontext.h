@@ -58,6 +58,10 @@ public:
     TSquareSet m_forbiddenSquares = 0;
     TSquareSet m_forbiddenTargets = 0;
 
+    /// m_nMoves at which Black's pawns may not move, under FILTER_BLOCK_PAWNS; -1: none.
+    std::int16_t m_nBlockPawnsLevel = -1;
+    std::uint64_t m_nBlockedPawnMoves = 0; ///< moves refused for that
+
 private:
     /// Puts the mailbox of each record on a cache line of its own.
     struct alignas(64) TSlot

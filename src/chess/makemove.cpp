@@ -331,7 +331,19 @@ bool PassesMoveFilter(const TChessboard& b, const TMove& move)
         return PassesSeparatedBishopFilter(b, move);
     if ((((move.m_to >> 3) + move.m_to) ^ nMode) & 1)
         return false;
-    return !(b.m_board[move.m_from] == WHITE_PAWN && Abs(move.m_to - move.m_from) == 16);
+    // The lines of a queen or a rook cross squares of the other colour.
+    return !(move.PromotionKind() & KIND_ROOK) &&
+           !(b.m_board[move.m_from] == WHITE_PAWN && Abs(move.m_to - move.m_from) == 16);
+}
+
+/// Black's rule while his pawns are held up.
+bool IsBlockedPawnMove(const TChessboard& b, const TMove& move)
+{
+    if (!b.m_pThread || b.m_nMoves != b.m_pThread->m_nBlockPawnsLevel ||
+        b.m_board[move.m_from] != BLACK_PAWN)
+        return false;
+    ++b.m_pThread->m_nBlockedPawnMoves;
+    return true;
 }
 
 template <EColour C, EForm F>
@@ -340,6 +352,10 @@ bool MakeMove(TChessboard& b, TMove* pMove, bool bSkipLegalityTest)
     using S = TSide<C>;
     if constexpr (S::IS_WHITE && F != EForm::User) {
         if ((b.m_moveFilter & TChessboard::FILTER_MODE_MASK) && !PassesMoveFilter(b, *pMove))
+            return false;
+    }
+    if constexpr (!S::IS_WHITE && F == EForm::Full) {
+        if ((b.m_moveFilter & TChessboard::FILTER_BLOCK_PAWNS) && IsBlockedPawnMove(b, *pMove))
             return false;
     }
     TChange c = PutFigure<C>(b, pMove);

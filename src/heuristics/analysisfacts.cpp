@@ -1,7 +1,6 @@
 #include "heuristics/analysis.h"
 #include "heuristics/attacksets.h"
 #include "heuristics/kingsurroundings.h"
-#include "heuristics/otheranalyses.h"
 #include "heuristics/relaxpredicates.h"
 
 #include <bit>

@@ -1,6 +1,7 @@
 #include "chess/sides.h"
 #include "heuristics/analysis.h"
 #include "heuristics/kingsurroundings.h"
+#include "heuristics/onecolour.h"
 #include "heuristics/relaxpredicates.h"
 
 #include <bit>
@@ -80,13 +81,15 @@ void ChooseDontLose(TAnalysis& a)
         a.Set(SH_DONTLOSEANYFIGURES);
 }
 
-/// A lone Black bishop keeps to the squares of one colour.
+/// A lone Black bishop keeps to the squares of one colour, or to a few of them.
 void ChooseOneColour(TAnalysis& a)
 {
     constexpr int LONG_DIAGONAL = 3;
     const TChessboard& b = a.m_board;
     if (b.m_nBlackBishops != 1 || a.m_facts.m_nBlackFigures != 1)
         return;
+    if (FindBishopCage(b).IsFound() && b.m_nBlackPawns > 0)
+        a.Set(SH_ONECOLORPLAYPOSSIBLE);
     const TSquare bishop = LowestSquare(TSets::Equal(b.m_board, BLACK_BISHOP));
     if (std::popcount(a.m_facts.m_mobility.m_targets) < LONG_DIAGONAL || WhiteMajors(b) > 0)
         return;

@@ -139,7 +139,7 @@ private:
     /// Makes a move of White that the set doesn't cut. Null: cut or illegal.
     TChessboard* MakeWhite(TChessboard& board, TMove& move)
     {
-        if (RecedesFromBlackKing(board, move))
+        if (IsWhiteMoveCut(board, move))
             return nullptr;
         TChessboard& child = m_context.MakeChild(board);
         if (!child.MakeWhiteMove(&move))

@@ -4,6 +4,8 @@
 #include "chess/lineattacks.h"
 #include "chess/sides.h"
 
+#include <bit>
+
 /// Attacks of a whole side at once, and captures that are legal: what the tests of the heuristics
 /// are built of.
 
@@ -58,6 +60,15 @@ bool CanCapture(const TChessboard& b, int square)
             return true;
     }
     return false;
+}
+
+/// Squares next to the White king that he could go to as the board stands.
+inline int CountKingSquares(const TChessboard& board)
+{
+    const TSquareSet occupied = TSets::Occupied(board.m_board) & ~Bit(board.WhiteKing());
+    return std::popcount(KingZone(board.WhiteKing()) &
+                         ~TSide<EColour::White>::Figures(board.m_board) &
+                         ~AttackedSquares<EColour::Black>(board, occupied));
 }
 
 } // namespace corvina

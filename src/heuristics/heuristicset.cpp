@@ -110,6 +110,9 @@ void CopyParams(std::uint32_t nHeuristic, const THeuristicSet& from, THeuristicS
     case SH_KEYDIAGONAL:
         std::copy(std::begin(p.m_keyDiagonal), std::end(p.m_keyDiagonal), q.m_keyDiagonal);
         break;
+    case SH_SAVEQUEENROOK:
+        q.m_bSaveFigureException = p.m_bSaveFigureException;
+        break;
     case SH_DONTLOSEANYFIGURES:
         q.m_nLoseFiguresMode = p.m_nLoseFiguresMode;
         break;

@@ -2,11 +2,13 @@
 
 #include "chess/sides.h"
 #include "heuristics/analysis.h"
+#include "heuristics/attacksets.h"
 #include "heuristics/blockedfigures.h"
 #include "heuristics/forcedmate.h"
 #include "heuristics/keyfigure.h"
 #include "heuristics/kingsurroundings.h"
-#include "heuristics/otheranalyses.h"
+#include "heuristics/reduction.h"
+#include "heuristics/singlequeen.h"
 #include "heuristics/sweepingrook.h"
 #include "search/hooks.h"
 #include "search/solverequest.h"
@@ -163,6 +165,25 @@ void ChooseCorner(TAnalysis& a)
     a.Set(SH_KEEPKINGNEARCORNER | SH_DONTLETPROMOTEDQUEENMOVE);
 }
 
+/// White may lose his last queen or rook where a pawn makes up for it in time.
+void ChooseSaveWithException(TAnalysis& a)
+{
+    if (a.Has(SH_SAVEQUEENROOK) || !IsWhiteMaterialShort(a.m_board))
+        return;
+    a.Set(SH_SAVEQUEENROOK);
+    a.m_params.m_bSaveFigureException = true;
+}
+
+/// A Black pawn is about to promote, and the White king has hardly a square: the new queen may mate
+/// him or check him for ever.
+bool CanWhiteKingBeCaughtOnAnIsland(const TChessboard& board)
+{
+    constexpr int FEW_SQUARES = 1;
+    constexpr TSquareSet ROW_BEFORE_LAST = TSquareSet{0xFF} << 8;
+    return (TSets::Equal(board.m_board, BLACK_PAWN) & ROW_BEFORE_LAST) &&
+           CountKingSquares(board) <= FEW_SQUARES;
+}
+
 /// A fault in the tables must not cost the run: it goes on with the set as it stands.
 void ApplyPredefinedSettings(TAnalysis& a)
 {
@@ -191,8 +212,7 @@ void FinishSet(TAnalysis& a)
     DecideSafeMode(a);
     TightenExtEdge(a);
     ChooseCorner(a);
-    if (IsWhiteMaterialShort(a.m_board))
-        a.Set(SH_SAVEQUEENROOK);
+    ChooseSaveWithException(a);
     DropEdgeFormsOfSeaSnake(a);
     ApplyPredefinedSettings(a);
     ForceSafeModeForLonePiece(a);
@@ -261,6 +281,8 @@ TPositionAnalysis CheckPositionType(const TChessboard& root)
     result.m_vecSeaSnakeMoves = a.m_vecSeaSnakeMoves;
     DropUnusedParams(result.m_set);
     result.m_nPositionFlags = a.m_board.m_nPositionFlags;
+    if (CanWhiteKingBeCaughtOnAnIsland(a.m_board))
+        result.m_boardFlags |= TChessboard::FLAG_ISLAND;
     result.m_bSafeMode = a.m_bSafeModeForced;
     result.m_shLookForQuickerMateDepth = a.m_predefined.m_shLookForQuickerMateDepth;
     result.m_facts = a.m_facts;
@@ -281,6 +303,8 @@ void TakeUpAnalysis(const TPositionAnalysis& analysis, TChessboard& root)
     params.m_bRunPass2 = before.m_bRunPass2;
     params.m_bEnableFallback = before.m_bEnableFallback;
     root.m_nPositionFlags = analysis.m_nPositionFlags;
+    root.m_boardFlags &= static_cast<std::uint16_t>(~TChessboard::FLAG_ISLAND);
+    root.m_boardFlags |= analysis.m_boardFlags;
     request.m_vecSeaSnakeMoves = analysis.m_vecSeaSnakeMoves;
     if (analysis.m_bSafeMode)
         request.m_bSafeMode = true;

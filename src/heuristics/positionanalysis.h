@@ -25,7 +25,8 @@ constexpr std::uint32_t IMPLEMENTED_HEURISTICS =
     SH_DONTLETPROMOTEDFIGUREMOVE | SH_KEYLINE | SH_KEYDIAGONAL | SH_DONTLETBLACKQUEENCHECKTWICE |
     SH_DONTLOSEANYFIGURES | SH_CAPTUREKNIGHT | SH_KEYWHITEFIGURE | SH_DONTLEAVEMAINDIAGONAL |
     SH_SWEEPINGWHITEROOK | SH_SKIPWORSTWHITEMOVES | SH_SEASNAKE | SH_ZUGZWANGTRIANGLES |
-    SH_ZUGZWANG;
+    SH_ZUGZWANG | SH_ONECOLORPLAYPOSSIBLE | SH_SINGLEQUEENMATE | SH_KEYSQUARE |
+    SH_REDUCTIONTOGLOBREGPOS;
 
 /// Tasks with fewer half-moves are solved sooner than they are analysed.
 constexpr int MIN_ANALYSED_PLIES = 11;
@@ -73,6 +74,7 @@ struct TPositionAnalysis
     THeuristicSet m_set;         ///< its parameters on the course of the run are untouched
     std::uint32_t m_nWished = 0; ///< the mask with the heuristics that have no test
     std::uint16_t m_nPositionFlags = 0;
+    std::uint16_t m_boardFlags = 0;        ///< FLAG_ISLAND
     bool m_bSafeMode = false;              ///< Quick mode is no good for the position
     std::vector<TMove> m_vecSeaSnakeMoves; ///< TSolveRequest::m_vecSeaSnakeMoves
     /// Half-moves of the search for a short mate that predefined settings give, or -1.

@@ -1,3 +1,5 @@
+#include "heuristics/reduction.h"
+
 #include "heuristics/attacksets.h"
 #include "heuristics/kingsurroundings.h"
 #include "heuristics/materialblocks.h"
@@ -19,34 +21,40 @@ bool IsReducible(const TChessboard& board)
            !(TSets::Equal(board.m_board, BLACK_PAWN) & KingZone(board.BlackKing()));
 }
 
-/// Takes off Black's pawns far from their king; White keeps all that he has, which can only help
-/// him. False when there are none.
-bool Reduce(TChessboard& board)
+} // namespace
+
+bool ReducePosition(TChessboard& board)
 {
     constexpr int NEAR = 2;
+    if (!IsReducible(board))
+        return false;
     TSquareSet pawns = TSets::Equal(board.m_board, BLACK_PAWN);
     bool bTaken = false;
     while (pawns) {
         const TSquare pawn = PopLowestSquare(pawns);
         if (Distance(pawn, board.BlackKing()) <= NEAR)
             continue;
+        std::uint8_t& before = board.m_board[pawn - 8];
+        if ((before & COLOUR_WHITE) && before != WHITE_KING)
+            before = NO_FIGURE;
         board.m_board[pawn] = NO_FIGURE;
         bTaken = true;
     }
-    return bTaken && board.RescanBoard(false);
+    board.m_pParent = nullptr;
+    return bTaken && board.RescanBoard(false) && WhiteFigures(board) > board.m_nWhiteKnights;
 }
 
-} // namespace
+bool HasReducedPosition(const TChessboard& board)
+{
+    TChessboard reduced = board;
+    return ReducePosition(reduced) && AskGlobalRegister(reduced) != GLOBAL_REGISTER_UNKNOWN;
+}
 
 EVerdict TestReducedPosition(TBlackMove& move)
 {
-    if (!IsReducible(move.m_board))
-        return EVerdict::Passes;
     TChessboard reduced = move.m_board;
-    reduced.m_pParent = nullptr;
-    if (!Reduce(reduced))
-        return EVerdict::Passes;
-    return AskGlobalRegister(reduced) == 0 ? EVerdict::Doubtful : EVerdict::Passes;
+    return ReducePosition(reduced) && AskGlobalRegister(reduced) == 0 ? EVerdict::Doubtful
+                                                                      : EVerdict::Passes;
 }
 
 EVerdict TestZugzwangTriangle(TBlackMove& move)

@@ -2,13 +2,17 @@
 #define CORVINA_SEARCH_BLACKNODE_H
 
 #include "chess/notation.h"
+#include "heuristics/onecolour.h"
+#include "heuristics/triangles.h"
 #include "search/blackcuts.h"
 #include "search/blacksort.h"
 #include "search/ordering.h"
 #include "search/registeraccess.h"
 #include "search/servestop.h"
 #include "search/solverequest.h"
+#include "search/tryunblock.h"
 
+#include <bit>
 #include <optional>
 
 namespace corvina
@@ -86,6 +90,8 @@ public:
     }
 
 private:
+    static constexpr int MIN_UNBLOCK_DEPTH = 17;
+
     /// Below this depth the replies are tried as generated, the latest refutation first.
     static constexpr int MIN_SORTED_DEPTH = 6;
 
@@ -144,7 +150,7 @@ private:
         TChessboard& child = m_context.MakeChild(m_board);
         if (!child.MakeBlackMove(&move, m_bProbed))
             return RESULT_MATE;
-        m_bHasReply = true;
+        m_bHasReply |= CountsAsReply(m_board, move);
         ++m_context.m_nPositions;
         if (TKind::VerifiesHeuristics(child)) {
             const TSearchResult nResult = ResultOfBlackHook(child, move);
@@ -155,9 +161,44 @@ private:
             if (const auto known = ProbeRegister(child))
                 return *known;
         }
-        const bool bQuick = TKind::HasShortMate(child);
+        if ((child.m_nHeuristics & (SH_ONECOLORPLAYPOSSIBLE | SH_ZUGZWANGTRIANGLES)) &&
+            child.m_nPass == 1)
+            return AnswerUnderRareSet(child);
+        return Answer(child, TKind::HasShortMate(child));
+    }
+
+    TSearchResult Answer(TChessboard& child, bool bShortMate)
+    {
         m_context.m_bSkipEqualPromotions = false;
-        return bQuick ? RESULT_MATE : TKind::SearchWhite(child);
+        if (bShortMate)
+            return RESULT_MATE;
+        if (m_nDepth >= MIN_UNBLOCK_DEPTH && TriesUnblock(child) &&
+            SearchWithBlockedFigures(child, TKind::SearchWhite) == RESULT_MATE)
+            return RESULT_MATE;
+        return TKind::SearchWhite(child);
+    }
+
+    /// On a triangle White waits: no mate is short as long as it stands.
+    TSearchResult AnswerUnderRareSet(TChessboard& child)
+    {
+        if (StartsOneColourPlay(child))
+            return AnswerWithoutBishop(child);
+        if ((child.m_nHeuristics & SH_ZUGZWANGTRIANGLES) && child.m_nWhiteQueens == 1 &&
+            child.m_nBlackRooks > 0 && !FitsTriangle(child))
+            DropForSubtree(child, SH_ZUGZWANGTRIANGLES);
+        const bool bWaits = child.m_nHeuristics & SH_ZUGZWANGTRIANGLES;
+        return Answer(child, !bWaits && TKind::HasShortMate(child));
+    }
+
+    /// A mate counts, anything else is a doubt of the heuristic.
+    TSearchResult AnswerWithoutBishop(TChessboard& child)
+    {
+        ShutOutBishop(child);
+        if (Answer(child, TKind::HasShortMate(child)) == RESULT_MATE)
+            return RESULT_MATE;
+        m_context.m_nDoubtReason = SH_ONECOLORPLAYPOSSIBLE;
+        ++m_context.m_anCuts[std::countr_zero(SH_ONECOLORPLAYPOSSIBLE)];
+        return RESULT_DOUBTFUL;
     }
 
     TSearchResult ResultOfRefutation(TSearchResult nResult)

@@ -3,6 +3,7 @@
 #include "heuristics/heuristicbits.h"
 #include "heuristics/kingsurroundings.h"
 #include "heuristics/lastmoves.h"
+#include "heuristics/onecolour.h"
 #include "search/blackcuts.h"
 #include "search/line.h"
 #include "search/movesafety.h"
@@ -103,7 +104,7 @@ public:
             TChessboard& child = m_context.MakeChild(m_board);
             if (!child.MakeBlackMove(&pMoves[i]))
                 continue;
-            *pbHasReply = true;
+            *pbHasReply |= CountsAsReply(m_board, pMoves[i]);
             if (const std::uint16_t nEarlier = m_bRepetitions ? CountingRepetition(child) : 0)
                 nNearest = std::min(nNearest, nEarlier);
             if (MatesWhite(child))
@@ -170,6 +171,8 @@ private:
             sums.m_nFine -= 10;
         if (move.PromotionKind() == KIND_QUEEN)
             sums.m_nCoarse -= 10;
+        if ((m_board.m_nHeuristics & SH_KEYSQUARE) && move.m_to == m_context.m_keySquare)
+            sums.m_nCoarse -= 3;
         if (m_bRich)
             AddRich(child, move, sums);
         return static_cast<TScore>(

@@ -79,6 +79,9 @@ public:
         TakeUpHeuristics(m_root);
         PutOnThread(m_root, m_context);
         m_context.m_pRootBoard = request.m_pChessboard.get();
+        // Black's best reply is none that he has in a reduced problem only.
+        m_root.m_moveFilter &= static_cast<std::uint8_t>(~TChessboard::FILTER_MODE_MASK);
+        m_root.m_nHeuristicsParams = ComputeHeurParams(m_root);
     }
     TDefenceSearch(const TDefenceSearch&) = delete;
     TDefenceSearch& operator=(const TDefenceSearch&) = delete;

@@ -7,7 +7,9 @@
 #include "search/forcedmate.h"
 #include "search/hooks.h"
 #include "search/nodes.h"
+#include "search/onecolourrun.h"
 #include "search/ordering.h"
+#include "search/pinnedrook.h"
 #include "search/plainsearch.h"
 #include "search/rootsetup.h"
 #include "search/scout.h"
@@ -15,6 +17,7 @@
 #include "search/whitesort.h"
 
 #include <algorithm>
+#include <bit>
 #include <chrono>
 #include <condition_variable>
 #include <thread>
@@ -63,6 +66,11 @@ struct TRun
         const std::lock_guard guard(m_mutex);
         for (std::size_t i = 0; i < m_anCuts.size(); ++i)
             m_anCuts[i] += context.m_anCuts[i];
+        m_anCuts[std::countr_zero(SH_USEBLOCKBLACKPAWNSLEVEL)] += context.m_nBlockedPawnMoves;
+        TSolveRequest& request = *m_root.m_pRequest;
+        request.m_nPinnedRookSearches += context.m_nPinnedRookSearches;
+        request.m_nPinnedRookMates += context.m_nPinnedRookMates;
+        request.m_nUnblockTries += context.m_nUnblockTries;
     }
 
     std::mutex m_mutex;
@@ -293,8 +301,25 @@ private:
 
     TSearchResult Analyse(TMove move)
     {
-        if (RecedesFromBlackKing(m_board, move) || IsOffZugzwangMap(m_board, move))
+        if (IsWhiteMoveCut(m_board, move) || IsOffZugzwangMap(m_board, move))
             return RESULT_DOUBTFUL;
+        const TSearchResult nResult = AnalyseMade(move);
+        // A filter of White's moves shows mates only.
+        const bool bFiltered = IsInFilteredPass() && !m_request.m_bPlain;
+        if (nResult == RESULT_MATE || !bFiltered)
+            return nResult;
+        m_context.m_nDoubtReason = SH_ONECOLORPLAYPOSSIBLE;
+        ++m_context.m_anCuts[std::countr_zero(SH_ONECOLORPLAYPOSSIBLE)];
+        return RESULT_DOUBTFUL;
+    }
+
+    bool IsInFilteredPass() const
+    {
+        return !IsInLastPass() && (m_board.m_moveFilter & TChessboard::FILTER_MODE_MASK);
+    }
+
+    TSearchResult AnalyseMade(TMove move)
+    {
         TChessboard& child = m_context.MakeChild(m_board);
         if (!child.MakeWhiteMove(&move))
             return RESULT_NO_MATE;
@@ -389,6 +414,9 @@ std::vector<TMove> FirstMoves(TChessboard& root)
     TThreadContext context(root.m_nInitialMoves);
     PutOnThread(root, context);
     root.m_pRequest->m_nPlannedPasses = PlannedPasses(root, context);
+    // A filter that holds in some passes only takes no move from the table.
+    const std::uint8_t nFilter = root.m_moveFilter;
+    root.m_moveFilter &= static_cast<std::uint8_t>(~TChessboard::FILTER_MODE_MASK);
     TMoveList moves;
     const int nMoves = root.GenerateWhiteMoves(moves.data());
     int nLegal = SortWhiteMovesCheap(root, moves.data(), nMoves);
@@ -396,6 +424,7 @@ std::vector<TMove> FirstMoves(TChessboard& root)
         nLegal = SortFirstMoves(root, moves.data(), nLegal);
     std::for_each(moves.data(), moves.data() + nLegal, [](TMove& move) { move.m_bEnPassant = 0; });
     root.m_pThread = nullptr;
+    root.m_moveFilter = nFilter;
     return std::vector<TMove>(moves.data(), moves.data() + nLegal);
 }
 
@@ -432,6 +461,37 @@ void SortSolutions(std::vector<TMove>& vecMoves)
     });
 }
 
+/// The runs that go ahead of the passes: their mates are solutions. Returns the first moves that
+/// are left to the passes, none when there are solutions enough.
+std::vector<TMove> MovesLeftByPreRuns(TChessboard& root)
+{
+    TSolveRequest& request = *root.m_pRequest;
+    std::vector<TMove> vecMoves = request.m_vecFirstMoves;
+    request.m_nOneColourMates = request.m_nSingleQueenMates = 0;
+    request.m_nPinnedRookSearches = request.m_nPinnedRookMates = request.m_nUnblockTries = 0;
+    if (!request.m_bPreRuns || request.m_bPlain)
+        return vecMoves;
+    const auto take = [&](const TMove& key) {
+        AddSolution(request, key);
+        std::erase_if(vecMoves, [&](const TMove& move) { return IsSameMove(move, key); });
+    };
+    for (const TMove& key : FindOneColourMates(root)) {
+        ++request.m_nOneColourMates;
+        take(key);
+    }
+    if (const auto key = FindPinnedRookMate(root))
+        take(*key);
+    for (const TMove& key : FindSingleQueenMates(root)) {
+        ++request.m_nSingleQueenMates;
+        take(key);
+    }
+    const bool bEnough = !request.m_vecSolutions.empty() &&
+                         ((request.m_nSearchMode & SEARCH_FIRST) || HasEnoughSolutions(request));
+    if (bEnough)
+        vecMoves.clear();
+    return vecMoves;
+}
+
 } // namespace
 
 std::int8_t FindMate(TChessboard& root, std::vector<TMove>& vecResult)
@@ -443,7 +503,7 @@ std::int8_t FindMate(TChessboard& root, std::vector<TMove>& vecResult)
     ChooseHeuristics(root);
     TakeUpHeuristics(root);
     request.m_vecFirstMoves = FirstMoves(root);
-    TRun run(root, request.m_vecFirstMoves,
+    TRun run(root, MovesLeftByPreRuns(root),
              std::clamp<int>(request.m_nEffectiveThreads, 1, MAX_ROOT_THREADS));
     request.m_nFirstMovesTotal = static_cast<std::uint32_t>(run.m_table.Size());
     RunThreads(run);

@@ -87,7 +87,7 @@ public:
 
     static bool IsCut(const TChessboard& board, const TMove& move)
     {
-        return VerifiesOthers(board) && RecedesFromBlackKing(board, move);
+        return VerifiesOthers(board) && IsWhiteMoveCut(board, move);
     }
 
     static bool IsCutAfterMove(TChessboard& child)

@@ -1,5 +1,6 @@
 #include "search/plainsearch.h"
 
+#include "heuristics/onecolour.h"
 #include "search/ordering.h"
 #include "search/solverequest.h"
 
@@ -39,7 +40,7 @@ std::int8_t PlainSearchBlack(TChessboard& board)
         if (!child.MakeBlackMove(&moves[i]))
             continue;
         ++context.m_nPositions;
-        bHasReply = true;
+        bHasReply |= CountsAsReply(board, moves[i]);
         if (PlainSearchWhite(child) != 1) {
             killer = {moves[i], board.m_board[moves[i].m_from]};
             return 0;

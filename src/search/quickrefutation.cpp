@@ -68,7 +68,7 @@ private:
     /// Also of an illegal move.
     bool IsRefuted(TMove& move, int nBudget)
     {
-        if (RecedesFromBlackKing(m_board, move)) {
+        if (IsWhiteMoveCut(m_board, move)) {
             m_bDoubtful = true;
             return true;
         }

@@ -1,5 +1,6 @@
 #include "search/registeraccess.h"
 
+#include "chess/squaresets.h"
 #include "registers/answers.h"
 #include "registers/positionkey.h"
 #include "search/line.h"
@@ -15,24 +16,22 @@ namespace
 /// Positions with fewer plies left are solved faster than looked up.
 constexpr int MIN_STORED_PLIES = 3;
 
-/// While one colour of squares is left out, a position is another one than its 64 squares say: its
-/// key carries a Black bishop on the first empty square of the mode's colour. The mark goes with
-/// the object.
+/// While White's moves are filtered, a position is another one than its 64 squares say: its key
+/// carries a mark on the first empty square, which tells the mode and whether Black's bishop has
+/// left the board. The mark is no figure, so that the key is that of no other position. It goes
+/// with the object.
 class TKeyMark
 {
 public:
     explicit TKeyMark(TChessboard& board)
     {
         const int nMode = board.m_moveFilter & TChessboard::FILTER_MODE_MASK;
-        if (nMode != TChessboard::FILTER_WHITE_SQUARES_ONLY &&
-            nMode != TChessboard::FILTER_BLACK_SQUARES_ONLY)
+        if (nMode == 0)
             return;
-        for (int square = nMode & 1; square < 64 && !m_pSquare; square += 2) {
-            if (board.m_board[square] == NO_FIGURE)
-                m_pSquare = &board.m_board[square];
-        }
-        if (m_pSquare)
-            *m_pSquare = BLACK_BISHOP;
+        const bool bShutOut = board.m_boardFlags & TChessboard::FLAG_BISHOPSHUTOUT;
+        m_pSquare = &board.m_board[LowestSquare(~TSets::Occupied(board.m_board))];
+        *m_pSquare =
+            static_cast<std::uint8_t>(COLOUR_WHITE | COLOUR_BLACK | nMode | (bShutOut ? 4 : 0));
     }
     ~TKeyMark()
     {

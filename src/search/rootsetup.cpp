@@ -14,6 +14,9 @@ namespace corvina
 namespace
 {
 
+/// Half-moves: TThreadContext::m_nShortMateCap.
+constexpr std::uint16_t SHORT_MATE_BEHIND_ZUGZWANG = 11;
+
 /// What the heuristics of zugzwang need to know of the root beside what the set tells. Those for
 /// which the position has nothing leave the mask.
 void TakeUpZugzwang(TChessboard& root, THeuristicsParams& params)
@@ -22,6 +25,10 @@ void TakeUpZugzwang(TChessboard& root, THeuristicsParams& params)
         TChessboard::POSITION_PAWNWALK | TChessboard::POSITION_PREFERREDMOVES;
     TSolveRequest& request = *root.m_pRequest;
     root.m_nPositionFlags &= static_cast<std::uint16_t>(~FLAGS);
+    // Behind a zugzwang that the user knows a mate is seldom short, with the heuristic or without.
+    root.m_boardFlags &= static_cast<std::uint16_t>(~TChessboard::FLAG_SHORTMATECAP);
+    if (!request.m_zugzwangMap.empty())
+        root.m_boardFlags |= TChessboard::FLAG_SHORTMATECAP;
     request.m_preferredMoves.Clear();
     if (!(root.m_nHeuristics & SH_SEASNAKE) || !params.m_bDynamicSeaSnake)
         request.m_vecSeaSnakeMoves.clear();
@@ -73,6 +80,10 @@ void PutOnThread(TChessboard& root, TThreadContext& context)
 {
     context.m_pRootBoard = &root;
     root.m_pThread = &context;
+    context.m_forbiddenSquares = root.m_pRequest->m_forbiddenSquares;
+    context.m_forbiddenTargets = root.m_pRequest->m_forbiddenTargets;
+    context.m_nShortMateCap = SHORT_MATE_BEHIND_ZUGZWANG;
+    context.m_bTryUnblock = root.m_nHeuristics != 0;
     static_cast<THeuristicsParams&>(context) = root.m_pRequest->m_heuristicSet.m_params;
     root.m_nHeuristicsParams = root.m_nHeuristics ? ComputeHeurParams(root) : 0;
 }
@@ -89,6 +100,9 @@ void DropHeuristics(TChessboard& root)
 {
     root.m_nHeuristics = root.m_nHeuristicsParams = 0;
     root.m_nPass = PASS_WITHOUT_HEURISTICS;
+    // A reduced problem stays one.
+    if (!(root.m_boardFlags & TChessboard::FLAG_BISHOPSHUTOUT))
+        root.m_moveFilter &= static_cast<std::uint8_t>(~TChessboard::FILTER_MODE_MASK);
 }
 
 } // namespace corvina

@@ -1,5 +1,6 @@
 #include "heuristics/keyfigure.h"
 #include "heuristics/narrowedlists.h"
+#include "heuristics/onecolour.h"
 #include "heuristics/triangles.h"
 #include "search/fallback.h"
 #include "search/nodes.h"
@@ -32,6 +33,8 @@ class TAllMoves
 public:
     int ListMoves(TChessboard& board, TMove* pMoves)
     {
+        if ((board.m_moveFilter & TChessboard::FILTER_MODE_MASK) && OneColourReplay(board))
+            return LIST_MATES;
         const TNarrowedList narrowed = ListFewMoves(board, pMoves);
         if (narrowed.m_bMate)
             return LIST_MATES;
@@ -64,7 +67,7 @@ public:
 
     static bool IsCut(const TChessboard& board, const TMove& move)
     {
-        return RecedesFromBlackKing(board, move);
+        return IsWhiteMoveCut(board, move);
     }
 
     static bool IsCutAfterMove(TChessboard& child) { return IsCutAfterWhiteMove(child); }

@@ -2,8 +2,10 @@
 
 #include "chess/sides.h"
 #include "heuristics/heuristicbits.h"
+#include "heuristics/onecolour.h"
 #include "search/nodes.h"
 #include "search/ordering.h"
+#include "search/pinnedrook.h"
 #include "search/registeraccess.h"
 #include "search/shortmatedepth.h"
 #include "search/solverequest.h"
@@ -62,8 +64,10 @@ public:
         }
         if (m_board.m_moveFilter & TChessboard::FILTER_MODE_MASK) {
             m_moves[0] = TMove{king, king, 0, 0};
+            const bool bHasReply = m_bHasReply;
             if (SearchList(1))
                 return RESULT_NO_MATE;
+            m_bHasReply = bHasReply || StandsForMove(m_board);
         }
         return m_bHasReply ? RESULT_MATE : RESULT_NO_MATE;
     }
@@ -140,7 +144,7 @@ bool AllRepliesAllowMateInTwo(TChessboard& board)
         if (!child.MakeBlackMove(&moves[i]))
             continue;
         ++context.m_nPositions;
-        bHasReply = true;
+        bHasReply |= CountsAsReply(board, moves[i]);
         if (!IsMateInTwo(child)) {
             killer = {moves[i], board.m_board[moves[i].m_from]};
             return false;
@@ -199,7 +203,14 @@ public:
     /// Searches mates of 1, 3, 5 ... nLimit half-moves.
     bool Search(int nLimit)
     {
+        bool bSpecial = m_nDepth >= m_board.m_pRequest->m_nMinPinnedRookPlies &&
+                        m_context.m_nSortNesting == 0 && HasPinnedRook(m_board);
         for (int k = 1; k <= nLimit; k += 2) {
+            if (bSpecial && (k >= m_nDepth / 3 || k >= nLimit - 1)) {
+                if (SolveByPinnedRook(m_board))
+                    return true;
+                bSpecial = false;
+            }
             const std::uint16_t shBefore = m_context.m_shAdditionalMoves;
             AllowAdditionalMoves(k, nLimit);
             const bool bMate = Iterate(static_cast<std::uint16_t>(k));

@@ -140,6 +140,10 @@ int ChooseQuickerMateDepth(const TChessboard& board)
         nMax = std::min(nMax, MAX_UNLIKELY);
     if (nMask & ZUGZWANG_MASK)
         nMax = CapUnderZugzwang(board, nMax);
+    if (board.m_nPositionFlags & TChessboard::POSITION_PINNEDROOK)
+        nMax = std::min(nMax, MAX_UNLIKELY);
+    if ((board.m_boardFlags & TChessboard::FLAG_SHORTMATECAP) && !(nMask & SH_ZUGZWANG))
+        nMax = std::min<int>(nMax, ContextOf(board).m_nShortMateCap);
     if (HasManyQueens(board))
         nMax = std::min(nMax, MAX_WITH_MANY_QUEENS);
     nMax = RaiseAfterQueenCapture(board, nMax);

@@ -118,6 +118,16 @@ struct TSolveRequest : TProblem, TStopBlock, TRegisterHost
     std::uint64_t m_nScoutPositions = 0;      ///< those of the scout among them
     bool m_bFoundByScout = false;             ///< the solution of the last run is the scout's
     std::array<std::uint64_t, 32> m_anCuts{}; ///< lines cut in the last run, by heuristic
+    std::uint64_t m_nPinnedRookSearches = 0;  ///< of TThreadContext, summed up
+    std::uint64_t m_nPinnedRookMates = 0;
+    std::uint64_t m_nUnblockTries = 0;
+    int m_nOneColourMates = 0;   ///< keys of the last run that its reduced problem has shown
+    int m_nSingleQueenMates = 0; ///< and those of its single queen searches
+
+    /// Of a reduced problem: what TLineContext has under these names.
+    TSquareSet m_forbiddenSquares = 0, m_forbiddenTargets = 0;
+    std::uint16_t m_nMinPinnedRookPlies = 21; ///< half-moves from which SolveByPinnedRook pays
+    bool m_bPreRuns = true; ///< reduced problems and special searches may go ahead of the passes
 
     /// Not 0: the scores of every sort are disturbed, each seed giving another order. For tests.
     std::uint32_t m_nOrderSeed = 0;

@@ -68,7 +68,17 @@ public:
     bool m_bAdditionalMovesUsed = false;    ///< a mate was accepted thanks to them
     std::uint16_t m_nQuickerMateRootDepth = 0; ///< m_nMoves of m_pQuickerMateRoot
     TChessboard* m_pQuickerMateRoot = nullptr; ///< the position of the outermost call
+    std::uint16_t m_nShortMateCap = 0; ///< half-moves, behind TChessboard::FLAG_SHORTMATECAP
     bool m_bSpecialSolverTried = false;
+
+    // SolveByPinnedRook (search/pinnedrook.h).
+    bool m_bInPinnedRook = false;            ///< it is open
+    std::uint16_t m_nPinnedRookLevel = 0;    ///< of the latest mate that it has proved
+    std::uint64_t m_nPinnedRookSearches = 0; ///< positions that it has taken up
+    std::uint64_t m_nPinnedRookMates = 0;    ///< and mates that it has proved
+
+    bool m_bTryUnblock = false; ///< SH_DONTLETFIGUREUNBLOCK may come into a subtree by itself
+    std::uint64_t m_nUnblockTries = 0; ///< subtrees in which it was tried
 
     // The sorts (search/whitesort.h, search/blacksort.h) and the quick refutation.
     std::int8_t m_nSortNesting = 0;           ///< sorts that are open

@@ -4,6 +4,7 @@
 #include "chess/geometry.h"
 #include "heuristics/heuristicbits.h"
 #include "heuristics/lastmoves.h"
+#include "heuristics/singlequeen.h"
 #include "heuristics/zugzwangmap.h"
 #include "search/hooks.h"
 #include "search/threadcontext.h"
@@ -31,6 +32,26 @@ inline bool RecedesFromBlackKing(const TChessboard& board, const TMove& move)
     context.m_nDoubtReason = SH_DONTRECEDEBLACKKING;
     ++context.m_anCuts[std::countr_zero(SH_DONTRECEDEBLACKKING)];
     return true;
+}
+
+/// With SH_SINGLEQUEENMATE: a move of the White king that frees a Black pawn which he holds up.
+inline bool LeavesHeldPawn(const TChessboard& board, const TMove& move)
+{
+    if (!(board.m_nHeuristics & SH_SINGLEQUEENMATE) || board.m_nPass != 1 ||
+        !FreesHeldPawn(board, move))
+        return false;
+    TThreadContext& context = ContextOf(board);
+    context.m_nDoubtReason = SH_SINGLEQUEENMATE;
+    ++context.m_anCuts[std::countr_zero(SH_SINGLEQUEENMATE)];
+    return true;
+}
+
+/// A cut of White's move before it is made.
+inline bool IsWhiteMoveCut(const TChessboard& board, const TMove& move)
+{
+    constexpr std::uint32_t MASK = SH_DONTRECEDEBLACKKING | SH_SINGLEQUEENMATE;
+    return (board.m_nHeuristics & MASK) &&
+           (RecedesFromBlackKing(board, move) || LeavesHeldPawn(board, move));
 }
 
 /// With SH_ZUGZWANG: a first move that isn't on the map.

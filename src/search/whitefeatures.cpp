@@ -1,5 +1,6 @@
 #include "search/whitefeatures.h"
 
+#include "heuristics/attacksets.h"
 #include "heuristics/heuristicbits.h"
 #include "heuristics/kingsurroundings.h"
 #include "search/movesafety.h"
@@ -172,6 +173,11 @@ void TWhiteFeatures::AddHeuristics(const TChessboard& child, const TMove& move,
     constexpr int MANY_FLIGHTS = 2;
     if ((nMask & SH_ASSERTBLACKKINGSURROUNDED) && std::popcount(flights) > MANY_FLIGHTS)
         sums.m_nCoarse += 2 * (std::popcount(flights) - MANY_FLIGHTS);
+    if ((nMask & SH_KEYSQUARE) && move.m_to == ContextOf(child).m_keySquare)
+        sums.m_nCoarse -= 3;
+    if ((child.m_boardFlags & TChessboard::FLAG_ISLAND) &&
+        m_board.m_board[move.m_from] == WHITE_KING)
+        sums.m_nFine -= 2 * CountKingSquares(child);
     if ((nMask & SH_AREKINGSNEAR) && m_board.m_board[move.m_from] == WHITE_KING)
         sums.m_nFine +=
             2 * (Distance(move.m_to, child.BlackKing()) - Distance(move.m_from, child.BlackKing()));

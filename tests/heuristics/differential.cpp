@@ -27,6 +27,7 @@ TRunOf SolveWith(const TChessboard& board, int nMate, const THeuristicSet& set, 
     request.SetMateIn(nMate);
     request.m_heuristicSet = set;
     request.m_nMinRegisterPlies = 0;
+    request.m_nMinPinnedRookPlies = 5;
     TRunOf run;
     request.OnPassEnd = [&](const TPassReport& report) { run.m_vecPasses.push_back(report); };
     TRunSettings settings;
@@ -35,6 +36,11 @@ TRunOf SolveWith(const TChessboard& board, int nMate, const THeuristicSet& set, 
     run.m_vecSolutions = SortedTexts(Solve(request, settings).m_vecSolutions);
     run.m_anCuts = request.m_anCuts;
     run.m_bDoubtful = request.m_bDoubtful;
+    run.m_nOneColourMates = request.m_nOneColourMates;
+    run.m_nSingleQueenMates = request.m_nSingleQueenMates;
+    run.m_nPinnedRookSearches = request.m_nPinnedRookSearches;
+    run.m_nPinnedRookMates = request.m_nPinnedRookMates;
+    run.m_nUnblockTries = request.m_nUnblockTries;
     return run;
 }
 

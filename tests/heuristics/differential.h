@@ -20,6 +20,10 @@ struct TRunOf
     std::vector<TPassReport> m_vecPasses;
     std::array<std::uint64_t, 32> m_anCuts{};
     bool m_bDoubtful = false;
+
+    // What searches of their own have shown (TSolveRequest).
+    int m_nOneColourMates = 0, m_nSingleQueenMates = 0;
+    std::uint64_t m_nPinnedRookSearches = 0, m_nPinnedRookMates = 0, m_nUnblockTries = 0;
 };
 
 /// All solutions, by way of the set; "none" is the yardstick.
