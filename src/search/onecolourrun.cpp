@@ -69,10 +69,15 @@ private:
         m_request.m_shLookForQuickerMateDepth = m_outer.m_shLookForQuickerMateDepth;
         m_request.m_bPreRuns = false;
         m_request.m_tStart = m_outer.m_tStart;
-        m_request.OnPositionAnalysed = [this](const TChessboard& board) {
-            if (m_outer.IsStoppedForAll() || ContextOf(board).m_nPositions > MAX_POSITIONS)
+        const auto stop = [this](bool bLimit) {
+            if (bLimit || m_outer.IsStoppedForAll())
                 m_request.SetStopState(TStopBlock::STOP, TStopBlock::ALL_THREADS);
         };
+        m_request.OnPositionAnalysed = [stop](const TChessboard& board) {
+            stop(ContextOf(board).m_nPositions > MAX_POSITIONS);
+        };
+        // A run that is looked at each second has threads of its own, with stacks for its depth.
+        m_request.OnSecond = [stop](int) { stop(false); };
     }
 
     /// The walk of the real game takes White's moves from the reduced one.
