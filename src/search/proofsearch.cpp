@@ -19,6 +19,10 @@ constexpr std::uint32_t INFINITE = TProofNumbers::INFINITE;
 /// that is part of a line of the solution is hardly ever wrong.
 constexpr std::uint32_t WEIGHT_BEHIND_INDICATED = 8, WEIGHT_BESIDE_LINE = 32;
 
+/// Tasks of so many half-moves are searched without what the next two add: there it leads the
+/// search astray.
+constexpr int LONG_PLIES = 2 * 36 - 1;
+
 /// A position of Black that hasn't been looked into costs one proof more for so many further
 /// replies: each is one more to be shown, but most of them lead to the same.
 constexpr std::uint32_t REPLIES_OF_ONE = 4;
@@ -67,6 +71,7 @@ private:
 
 TProofSearch::TProofSearch(const TChessboard& root, TProofTable& table, std::uint16_t nThreadId)
     : m_request(*root.m_pRequest), m_table(table), m_context(root.m_nMoves), m_board(root),
+      m_bLong(root.m_nMoves >= LONG_PLIES),
       m_bRegister(m_request.m_bUseRegister &&
                   root.m_nInitialMoves >= m_request.m_nMinRegisterPlies),
       m_vecChildren(root.m_nMoves + std::size_t{1})
@@ -104,8 +109,10 @@ int TProofSearch::CountReplies(TChessboard& board)
 TProofNumbers TProofSearch::Evaluate(TChessboard& child, std::uint64_t nKey)
 {
     if (!child.IsWhiteToMove()) {
-        if (const int nReplies = CountReplies(child))
-            return {1 + static_cast<std::uint32_t>(nReplies - 1) / REPLIES_OF_ONE, 1};
+        if (const int nReplies = CountReplies(child)) {
+            const auto nFurther = static_cast<std::uint32_t>(nReplies - 1);
+            return {1 + (m_bLong ? 0 : nFurther / REPLIES_OF_ONE), 1};
+        }
         if (child.m_blackChecker == NO_CHECK) {
             m_table.StoreNoMate(nKey, TProofTable::EVER);
             return TProofNumbers::NoMate();
@@ -219,8 +226,8 @@ TProofNumbers TProofSearch::Limits(const TChoice& choice, const TChild& child, T
                                    bool bWhite) const
 {
     TProofNumbers numbers = child.m_numbers, result;
-    const std::uint32_t nSecond =
-        std::min(choice.m_nSecond + choice.m_nSecond / PATIENCE + 1, INFINITE - 2);
+    const std::uint32_t nPatience = m_bLong ? 0 : choice.m_nSecond / PATIENCE + 1;
+    const std::uint32_t nSecond = std::min(choice.m_nSecond + nPatience, INFINITE - 2);
     Own(result, bWhite) = std::max(Own(numbers, bWhite),
                                    std::min(Own(limits, bWhite) - 1, nSecond) / child.m_nWeight) +
                           1;

@@ -84,6 +84,7 @@ private:
     TProofTable& m_table;
     TThreadContext m_context;
     TChessboard m_board;
+    const bool m_bLong;
     bool m_bRegister; ///< the run has one for this task
     std::uint64_t m_nRootKey;
     std::uint64_t m_nEnd = 0;                       ///< of m_context.m_nPositions

@@ -15,17 +15,21 @@ namespace
 /// The scout sets out when the passes have had so long; the easy tasks are solved by then.
 constexpr auto HEAD_START = std::chrono::milliseconds(20);
 
-/// Time of the scout for each unit of the passes.
+/// Time of the scout for each unit of the passes, and in tasks so long that the passes hardly ever
+/// come to their end.
 constexpr int SHARE = 3;
+constexpr int SHARE_OF_LONG = 7;
+constexpr int LONG_PLIES = 2 * 36 - 1;
 
 /// Tasks of fewer moves gain nothing by a graph of positions.
 constexpr int MIN_SIDE_SEARCH_PLIES = 2 * 16 - 1;
 
-/// Time of the side searches for each unit of the scout's other work. The longest mates are tours,
-/// which nothing else finds.
-constexpr int SIDE_SHARE = 1;
-constexpr int SIDE_SHARE_OF_TOURS = 4;
-constexpr int MIN_TOUR_PLIES = 2 * 36 - 1;
+/// Quarters of the time of the scout's other work that a side search gets; with one scout for all
+/// of them half of that. The longest mates are tours, most of which the graph finds and nothing
+/// else.
+constexpr int SIDE_SHARE = 4;
+constexpr int GRAPH_SHARE_OF_LONG = 16;
+constexpr int TOURS_SHARE_OF_LONG = 2;
 
 constexpr int SIDE_SEARCHES = 2;
 
@@ -65,7 +69,8 @@ void TScout::Work()
 {
     TClock::time_point tNow = TClock::now();
     m_passTime += tNow - m_tReturned;
-    while (m_passTime > HEAD_START && m_scoutTime < SHARE * m_passTime && SearchSlice()) {
+    const int nShare = m_root.m_nMoves < LONG_PLIES ? SHARE : SHARE_OF_LONG;
+    while (m_passTime > HEAD_START && m_scoutTime < nShare * m_passTime && SearchSlice()) {
         m_scoutTime += TClock::now() - tNow;
         tNow = TClock::now();
     }
@@ -94,10 +99,8 @@ bool TScout::TrySlice()
         m_context.m_pScout = nullptr;
         return false;
     }
-    if (IsSideSearchDue()) {
-        TrySideSearch();
+    if (TrySideSearch())
         return !m_scouting.m_bEnded;
-    }
     const TProofSearch::EAnswer answer = m_search->Search(SLICE);
     if (answer == TProofSearch::EAnswer::Open)
         return true;
@@ -117,61 +120,71 @@ void TScout::ClaimProof(const std::function<std::optional<TMove>()>& confirm)
         OnProved(*key);
 }
 
-bool TScout::IsSideSearchDue()
-{
-    const int nShare = m_root.m_nMoves < MIN_TOUR_PLIES ? SIDE_SHARE : SIDE_SHARE_OF_TOURS;
-    if (m_sideTime > nShare * (m_scoutTime - m_sideTime) ||
-        m_root.m_nMoves < MIN_SIDE_SEARCH_PLIES || !TSideSearch::CanSearch(m_root))
-        return false;
-    return !m_vecSides.empty() || m_scouting.m_nSideSearchesTaken < SIDE_SEARCHES;
-}
-
 /// Each scout has one, a scout on its own has them all.
 void TScout::TakeSideSearches()
 {
-    const std::size_t nWanted = m_scouting.m_nScouts > 1 ? 1 : SIDE_SEARCHES;
-    while (m_vecSides.size() < nWanted) {
+    const bool bLong = m_root.m_nMoves >= LONG_PLIES, bAll = m_scouting.m_nScouts == 1;
+    const auto take = [&](std::unique_ptr<TSideSearch> pSearch, int nShareOfLong) {
+        const int nShare = bLong ? nShareOfLong : SIDE_SHARE;
+        m_vecSides.push_back({std::move(pSearch), bAll ? nShare / 2 : nShare});
+    };
+    while (m_vecSides.size() < (bAll ? SIDE_SEARCHES : 1)) {
         const int nKind = m_scouting.m_nSideSearchesTaken++;
-        if (nKind == 0)
-            m_vecSides.push_back({std::make_unique<TGraphSearch>(m_root, m_context.m_nThreadId)});
-        else if (nKind == 1)
-            m_vecSides.push_back({std::make_unique<TTourSearch>(m_root, m_context.m_nThreadId)});
-        else
+        if (nKind >= SIDE_SEARCHES)
             break;
+        if (nKind == 0)
+            take(std::make_unique<TGraphSearch>(m_root, m_context.m_nThreadId),
+                 GRAPH_SHARE_OF_LONG);
+        else
+            take(std::make_unique<TTourSearch>(m_root, m_context.m_nThreadId), TOURS_SHARE_OF_LONG);
     }
 }
 
-/// Without memory for them the other search goes on.
-void TScout::TrySideSearch()
+/// The side search that has had the least of its share, unless all have had theirs: then null.
+TScout::TSide* TScout::FindDueSide()
 {
+    const TClock::duration proofTime = m_scoutTime - m_sideTime;
+    TSide* pDue = nullptr;
+    for (TSide& side : m_vecSides) {
+        if (4 * side.m_time <= side.m_nShare * proofTime &&
+            (!pDue || side.m_time * pDue->m_nShare < pDue->m_time * side.m_nShare))
+            pDue = &side;
+    }
+    return pDue;
+}
+
+/// False: none is due. Without memory for them the other search goes on.
+bool TScout::TrySideSearch()
+{
+    if (m_root.m_nMoves < MIN_SIDE_SEARCH_PLIES || !TSideSearch::CanSearch(m_root))
+        return false;
     const TClock::time_point tStart = TClock::now();
     try {
         TakeSideSearches();
-        if (!m_vecSides.empty())
-            WorkOnSideSearch();
+        TSide* pSide = FindDueSide();
+        if (!pSide)
+            return false;
+        WorkOnSideSearch(*pSide);
     }
     catch (const std::bad_alloc&) {
         m_vecSides.clear();
     }
     m_sideTime += TClock::now() - tStart;
+    return true;
 }
 
-/// The one that has had the least time.
-void TScout::WorkOnSideSearch()
+void TScout::WorkOnSideSearch(TSide& side)
 {
-    const auto side =
-        std::min_element(m_vecSides.begin(), m_vecSides.end(),
-                         [](const TSide& a, const TSide& b) { return a.m_time < b.m_time; });
     const TClock::time_point tStart = TClock::now();
-    TSideSearch& search = *side->m_pSearch;
+    TSideSearch& search = *side.m_pSearch;
     const std::uint64_t nPositions = search.Positions();
     const TSideSearch::EAnswer answer = search.Search(SLICE);
     if (answer == TSideSearch::EAnswer::Mate)
         ClaimProof([&search] { return search.Confirm(); });
     m_nSidePositions += search.Positions() - nPositions;
-    side->m_time += TClock::now() - tStart;
+    side.m_time += TClock::now() - tStart;
     if (answer != TSideSearch::EAnswer::Open)
-        m_vecSides.erase(side);
+        m_vecSides.erase(m_vecSides.begin() + (&side - m_vecSides.data()));
 }
 
 } // namespace corvina

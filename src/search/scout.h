@@ -65,10 +65,17 @@ private:
     /// False: the scout's work is done. When memory is short, the next call says so.
     bool SearchSlice();
     bool TrySlice();
-    bool IsSideSearchDue();
+    struct TSide
+    {
+        std::unique_ptr<TSideSearch> m_pSearch;
+        int m_nShare; ///< of time, in quarters of what the proof numbers get
+        TClock::duration m_time{};
+    };
+
     void TakeSideSearches();
-    void TrySideSearch();
-    void WorkOnSideSearch();
+    TSide* FindDueSide();
+    bool TrySideSearch();
+    void WorkOnSideSearch(TSide& side);
     void ClaimProof(const std::function<std::optional<TMove>()>& confirm);
 
     const TChessboard& m_root;
@@ -76,11 +83,6 @@ private:
     TThreadContext& m_context; ///< of the thread's passes
     const std::function<void(const TMove& key)> OnProved;
     std::optional<TProofSearch> m_search; ///< none before the first slice
-    struct TSide
-    {
-        std::unique_ptr<TSideSearch> m_pSearch;
-        TClock::duration m_time{};
-    };
     std::vector<TSide> m_vecSides; ///< this scout's side searches, those that aren't done with
     std::uint64_t m_nSidePositions = 0;
     TClock::time_point m_tReturned; ///< to the passes
