@@ -27,7 +27,6 @@ public:
 
     /// Room for lines of nMaxPlies from the root. Throws std::bad_alloc.
     explicit TLineContext(int nMaxPlies = 0) { Reserve(nMaxPlies); }
-    TLineContext(const TLineContext&) = delete;
     TLineContext& operator=(const TLineContext&) = delete;
 
     /// Makes room for lines of nMaxPlies; records handed out before become invalid.
@@ -62,6 +61,10 @@ public:
     std::int16_t m_nBlockPawnsLevel = -1;
     std::uint64_t m_nBlockedPawnMoves = 0; ///< moves refused for that
 
+protected:
+    /// All but the records, for which there is room, that of the root included.
+    TLineContext(const TLineContext&) = default;
+
 private:
     /// Puts the mailbox of each record on a cache line of its own.
     struct alignas(64) TSlot
@@ -69,7 +72,15 @@ private:
         TChessboard m_board;
     };
 
-    std::vector<TSlot> m_aBoards;
+    /// A copy has one slot more, and none of the records.
+    struct TStack : std::vector<TSlot>
+    {
+        TStack() = default;
+        TStack(const TStack& other) : std::vector<TSlot>(other.size() + 1) {}
+        TStack& operator=(const TStack&) = delete;
+    };
+
+    TStack m_aBoards;
 };
 
 } // namespace corvina

@@ -40,6 +40,37 @@ void ApplySetOptions(TSolveRequest& request, const TSolveOptions& options)
             static_cast<std::int16_t>(HalfMovesOfMate(options.m_nShortMate));
 }
 
+/// Takes the number of threads and levels over. Throws ChessException.
+void ApplyThreads(const TSolveOptions& options, TSolveRequest& request, TRunSettings& settings)
+{
+    constexpr unsigned MAX_THREADS = 64;
+    if (!options.m_strThreads.empty()) {
+        TOptionFields fields(options.m_programOptions, 1);
+        fields.m_strThreads = options.m_strThreads;
+        const TOptionsOfFields result = ValidateOptions(options.m_programOptions, 1, fields);
+        if (!result.m_options)
+            throw ChessException("--threads: " + result.m_vecTexts.back());
+        const std::string strRead =
+            TOptionFields(*result.m_options, result.m_nThreads).m_strThreads;
+        if (result.m_nThreads > MAX_THREADS ||
+            (strRead != options.m_strThreads && strRead + "^1" != options.m_strThreads))
+            throw ChessException("--threads: expected N or N^L with N from 1 to 64.");
+        request.m_nForcedThreads = static_cast<std::uint8_t>(result.m_nThreads);
+        request.m_nRequestedMultithreadingLevels =
+            static_cast<std::int8_t>(result.m_options->m_nMultithreadingLevels);
+    }
+    if (options.m_nSchedulerLevels >= 0)
+        request.m_shRequestedSchedulerLevels =
+            static_cast<std::int16_t>(options.m_nSchedulerLevels);
+    settings.m_nSchedulerLevels = 0;
+    request.OnForceThreads = [](int nThreads) {
+        std::fprintf(stderr,
+                     "Engine wants to force a different number of threads (%d): accepted.\n",
+                     nThreads);
+        return true;
+    };
+}
+
 /// Reads the text of --indications. Throws ChessException that tells where the fault is.
 TSortIndications ReadIndications(const std::string& strText)
 {
@@ -83,9 +114,16 @@ void AddSolveOptions(CLI::App& command, TSolveOptions& options)
     command.add_option("--time", options.m_dSeconds, "give up after so many seconds a position")
         ->check(CLI::Range(0.0, 1e9));
     command
-        .add_option("--threads", options.m_nThreads,
-                    "threads that share the first moves (what the problem asks for, or 1)")
-        ->check(CLI::Range(1, 64));
+        .add_option("--threads", options.m_strThreads,
+                    "threads that share the first moves, at most 64; N^L: L levels of "
+                    "multithreading, N threads for each of White's first L moves (what the problem "
+                    "asks for, or 1)")
+        ->type_name("N[^L]");
+    command
+        .add_option("--scheduler-levels", options.m_nSchedulerLevels,
+                    "levels of White's moves behind those that are juggled: each move has a "
+                    "thread, and they take turns; 0: none (what the problem asks for, or 0)")
+        ->check(CLI::Range(0, 9));
     CLI::Option* pSet =
         command.add_option("--heuristics", options.m_strHeuristics,
                            "begin with this set, as in \"SH_KEEPKINGONTHEEDGE(C1f), "
@@ -129,7 +167,7 @@ TSolveOutcome SolveWithOptions(TSolveRequest& request, const TSolveOptions& opti
     request.m_pChessboard->CheckFigureLimits(nullptr, options.m_bJson ? stderr : stdout);
     TRunSettings settings = ApplyOptions(options.m_programOptions, request);
     settings.m_bStopAtFirstSolution = options.m_bFirst;
-    request.m_nForcedThreads = static_cast<std::uint8_t>(options.m_nThreads);
+    ApplyThreads(options, request, settings);
     request.m_bPlain = options.m_bPlain;
     request.m_bUseRegister = !options.m_bNoRegister;
     if (options.m_indications)

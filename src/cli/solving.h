@@ -37,7 +37,10 @@ struct TSolveOptions
     /// Sort indications, in the place of the problem's.
     std::optional<TSortIndications> m_indications;
     int m_nShortMate = 0; ///< moves of the short mate search; 0: by the position
-    int m_nThreads = 0;   ///< 0: what the problem asks for, or one
+    /// Threads, "N" or "N^L" with L levels of multithreading; empty: what the problem asks for, or
+    /// one.
+    std::string m_strThreads;
+    int m_nSchedulerLevels = -1; ///< -1: what the problem asks for, or none
     TOptions m_programOptions;
 };
 

@@ -10,15 +10,12 @@
 
 namespace corvina
 {
-namespace
-{
 
-unsigned CountOnlineProcessors()
+unsigned GetLogicalProcessors()
 {
-    return std::max(1U, std::thread::hardware_concurrency());
+    static const unsigned nProcessors = std::max(1U, std::thread::hardware_concurrency());
+    return nProcessors;
 }
-
-} // namespace
 
 std::uint64_t GetTotalPhysicalMemory()
 {
@@ -46,7 +43,7 @@ unsigned GetProcessorCores()
             if (std::getline(file, strSiblings))
                 setSiblings.insert(strSiblings);
         }
-        return setSiblings.empty() ? CountOnlineProcessors()
+        return setSiblings.empty() ? GetLogicalProcessors()
                                    : static_cast<unsigned>(setSiblings.size());
     }();
     return nCores;

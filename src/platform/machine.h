@@ -12,6 +12,9 @@ std::uint64_t GetTotalPhysicalMemory();
 /// Physical processor cores; where the system doesn't tell them, the processors online. At least 1.
 unsigned GetProcessorCores();
 
+/// Processors online, those of one core counted each. At least 1.
+unsigned GetLogicalProcessors();
+
 /// Milliseconds on a clock that never runs backwards; only differences mean something.
 std::uint64_t GetTickMilliseconds();
 

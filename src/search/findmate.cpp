@@ -2,16 +2,20 @@
 
 #include "heuristics/positionanalysis.h"
 #include "platform/thread.h"
+#include "platform/threadpool.h"
 #include "search/enginecommand.h"
 #include "search/firstmoves.h"
 #include "search/forcedmate.h"
+#include "search/forcethreads.h"
 #include "search/hooks.h"
+#include "search/levels.h"
 #include "search/nodes.h"
 #include "search/onecolourrun.h"
 #include "search/ordering.h"
 #include "search/pinnedrook.h"
 #include "search/plainsearch.h"
 #include "search/rootsetup.h"
+#include "search/scheduler.h"
 #include "search/scout.h"
 #include "search/whitecuts.h"
 #include "search/whitesort.h"
@@ -20,6 +24,7 @@
 #include <bit>
 #include <chrono>
 #include <condition_variable>
+#include <system_error>
 #include <thread>
 
 namespace corvina
@@ -28,10 +33,9 @@ namespace
 {
 
 constexpr int MAX_ROOT_THREADS = 64;
-constexpr std::size_t MIN_THREAD_STACK = std::size_t{1} << 20;
 
-/// A thread's stack per half-move of the task. A node holds its move list there.
-constexpr std::size_t STACK_PER_PLY = 12288;
+/// Threads of schedulers that wait for another move.
+constexpr std::size_t MAX_PARKED_THREADS = 512;
 
 /// Shorter tasks are solved by the passes before a scout could find anything.
 constexpr int MIN_SCOUTED_PLIES = 13;
@@ -87,6 +91,9 @@ public:
           m_context(run.m_root.m_nInitialMoves)
     {
         m_context.m_nThreadId = nThreadId;
+        m_context.m_nWatchDepth = WatchDepth(m_board);
+        m_context.m_nSpawnWidth = m_request.m_nThreads > 1 ? m_request.m_nThreads : 0;
+        m_context.m_nPriority = m_request.m_nThreadPriority;
         PutOnThread(m_board, m_context);
         if (m_run.m_scouting.IsWanted())
             m_scout.emplace(m_run.m_root, m_run.m_scouting, m_context,
@@ -95,6 +102,7 @@ public:
 
     void Run()
     {
+        const TThreadCounted running(g_nRunningThreads), active(g_nActiveRootThreads);
         DescribePass();
         m_request.TakeCommands(m_context.m_nThreadId, m_request.m_nSearchMode & SEARCH_ALL);
         while (!m_run.m_bFoundEnough && !MustStop()) {
@@ -143,8 +151,11 @@ private:
                 return std::nullopt;
             }
             // In the last pass a second thread at one move is no help.
-            if (!IsInLastPass() || !pick->m_bShared)
+            if (!IsInLastPass() || !pick->m_bShared) {
+                if (IsInLastPass() && pick->m_nIndex + 1 == m_run.m_table.Size())
+                    m_request.m_bLastMoveStarted = true;
                 return pick->m_nIndex;
+            }
             m_run.m_table.GiveBack(pick->m_nIndex);
             bMayShare = false;
         }
@@ -353,6 +364,15 @@ private:
     int m_nDescribed = -1; ///< the last round whose pass the thread has told
 };
 
+/// A thread that never came to its work.
+void LeaveRun(TRun& run)
+{
+    run.m_passes.Leave(0);
+    const std::lock_guard guard(run.m_mutex);
+    ++run.m_nEnded;
+    run.m_ended.notify_all();
+}
+
 /// Makes the thread's objects, trying again while memory is short, and runs it.
 void RunRootThread(TRun& run, std::uint16_t nThreadId)
 {
@@ -389,6 +409,25 @@ void WaitForThreads(TRun& run, int nThreads)
     }
 }
 
+/// Null: the system has no thread to give. The first one is waited for.
+std::unique_ptr<TThread> StartRootThread(TRun& run, int nThread)
+{
+    const TSolveRequest& request = *run.m_root.m_pRequest;
+    while (true) {
+        try {
+            return std::make_unique<TThread>(
+                ThreadStack(run.m_root.m_nInitialMoves),
+                [&run, nThread] { RunRootThread(run, static_cast<std::uint16_t>(nThread)); },
+                request.m_nThreadPriority);
+        }
+        catch (const std::system_error&) {
+            if (nThread != 0 || request.IsStoppedForAll())
+                return nullptr;
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        }
+    }
+}
+
 void RunThreads(TRun& run)
 {
     const int nThreads = run.m_nThreads;
@@ -396,13 +435,34 @@ void RunThreads(TRun& run)
         RunRootThread(run, 0);
         return;
     }
-    const std::size_t nStack =
-        std::max(MIN_THREAD_STACK, STACK_PER_PLY * run.m_root.m_nInitialMoves);
     std::vector<std::unique_ptr<TThread>> vecThreads;
-    for (int i = 0; i < nThreads; ++i)
-        vecThreads.push_back(std::make_unique<TThread>(
-            nStack, [&run, i] { RunRootThread(run, static_cast<std::uint16_t>(i)); }));
+    for (int i = 0; i < nThreads; ++i) {
+        vecThreads.push_back(StartRootThread(run, i));
+        if (!vecThreads.back())
+            LeaveRun(run);
+    }
     WaitForThreads(run, nThreads);
+}
+
+/// Another number of threads than was asked for, where the run would do better with it.
+void ForceThreads(TChessboard& root)
+{
+    TSolveRequest& request = *root.m_pRequest;
+    constexpr std::uint8_t BRUTE_FORCE_PHASE = 2;
+    if (request.m_bThreadsForced || request.m_bPlain || request.m_nRequestedThreads != -1 ||
+        request.m_nHybridBruteForcePhase >= BRUTE_FORCE_PHASE)
+        return;
+    const int nThreads = -ForceThreadsDecision(root, request.m_vecFirstMoves);
+    if (nThreads == 0 || nThreads == request.m_nEffectiveThreads)
+        return;
+    request.m_bThreadsForced = true;
+    // The time of the question isn't the run's.
+    const auto tAsked = std::chrono::steady_clock::now();
+    if (!request.OnForceThreads || request.OnForceThreads(nThreads))
+        request.m_nEffectiveThreads = static_cast<std::uint8_t>(nThreads);
+    const auto asked = std::chrono::steady_clock::now() - tAsked;
+    request.m_tStart += asked;
+    request.m_tFirstMoveStart += asked;
 }
 
 /// Shorter tasks are solved sooner than their first moves are looked at.
@@ -503,10 +563,18 @@ std::int8_t FindMate(TChessboard& root, std::vector<TMove>& vecResult)
     ChooseHeuristics(root);
     TakeUpHeuristics(root);
     request.m_vecFirstMoves = FirstMoves(root);
+    ForceThreads(root);
+    request.m_nSchedulerLevels =
+        static_cast<std::uint8_t>(SchedulerLevelsFor(root, request.m_nSchedulerLevels));
+    std::optional<TThreadPool> schedulerThreads;
+    if (request.m_nSchedulerLevels != 0)
+        schedulerThreads.emplace(request.m_bSchedulerThreadPool ? MAX_PARKED_THREADS : 0);
+    request.m_pSchedulerThreads = schedulerThreads ? &*schedulerThreads : nullptr;
     TRun run(root, MovesLeftByPreRuns(root),
              std::clamp<int>(request.m_nEffectiveThreads, 1, MAX_ROOT_THREADS));
     request.m_nFirstMovesTotal = static_cast<std::uint32_t>(run.m_table.Size());
     RunThreads(run);
+    request.m_pSchedulerThreads = nullptr;
 
     request.m_nPositions = run.m_nPositions;
     request.m_nScoutPositions = run.m_nScoutPositions;

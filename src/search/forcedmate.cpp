@@ -60,6 +60,8 @@ template <int nLevel>
 class TForcedMoves
 {
 public:
+    static constexpr bool JUGGLED = false;
+
     int ListMoves(TChessboard& board, TMove* pMoves)
     {
         m_bWiden = nLevel < FFM_THREAT_1 && IsLongCheckSeries(board, LONG_SERIES);

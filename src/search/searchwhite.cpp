@@ -31,6 +31,8 @@ template <int nKind>
 class TAllMoves
 {
 public:
+    static constexpr bool JUGGLED = nKind == NODE_MAIN;
+
     int ListMoves(TChessboard& board, TMove* pMoves)
     {
         if ((board.m_moveFilter & TChessboard::FILTER_MODE_MASK) && OneColourReplay(board))

@@ -40,6 +40,23 @@ std::uint8_t ThreadsOf(const TSolveRequest& request, const TRunSettings& setting
     return static_cast<std::uint8_t>(std::clamp(nThreads, 1, MAX_THREADS));
 }
 
+/// The problem's levels of multithreading, else those of the settings.
+std::uint8_t LevelsOf(const TSolveRequest& request, const TRunSettings& settings)
+{
+    constexpr int MAX_LEVELS = 64;
+    const int nWanted = request.m_nRequestedMultithreadingLevels;
+    return static_cast<std::uint8_t>(
+        std::clamp(nWanted >= 0 ? nWanted : settings.m_nMultithreadingLevels, 1, MAX_LEVELS));
+}
+
+std::uint8_t SchedulerLevelsOf(const TSolveRequest& request, const TRunSettings& settings)
+{
+    constexpr int MAX_LEVELS = 9;
+    const int nWanted = request.m_shRequestedSchedulerLevels;
+    return static_cast<std::uint8_t>(
+        std::clamp(nWanted >= 0 ? nWanted : settings.m_nSchedulerLevels, 0, MAX_LEVELS));
+}
+
 /// Resolves what the run takes from the options.
 void PrepareRun(TSolveRequest& request, const TRunSettings& settings)
 {
@@ -56,6 +73,12 @@ void PrepareRun(TSolveRequest& request, const TRunSettings& settings)
     request.m_nThreads = ThreadsOf(request, settings);
     request.m_nEffectiveThreads = request.m_nThreads;
     request.m_nSearchMode = SearchModeOf(request, settings);
+    request.m_nMultithreadingLevels =
+        request.m_nThreads > 1 ? LevelsOf(request, settings) : std::uint8_t{1};
+    request.m_nSchedulerLevels = SchedulerLevelsOf(request, settings);
+    request.m_bSchedulerThreadPool = settings.m_bSchedulerThreadPool;
+    request.m_sharingCounts.Clear();
+    request.m_bLastMoveStarted = false;
     request.m_nRunningThreads = 0;
     request.m_nShortestRepetitionDepth = request.m_nRequestedMoves;
 }

@@ -14,6 +14,9 @@ namespace corvina
 struct TRunSettings
 {
     int m_nThreads = 1;
+    int m_nMultithreadingLevels = 1; ///< 1: threads at the root only
+    int m_nSchedulerLevels = 0;      ///< 0: off
+    bool m_bSchedulerThreadPool = true;
     bool m_bStopAtFirstSolution = false;
     bool m_bQuickMode = true;
     /// Variants as sort indications: 0 none, 1 the main one, 2 all. A problem may ask for 1.

@@ -11,6 +11,7 @@
 #include "search/matesbesideregister.h"
 #include "search/passbook.h"
 #include "search/passendticks.h"
+#include "search/sharingsettings.h"
 #include "search/stopblock.h"
 #include "search/threadcontext.h"
 
@@ -25,6 +26,7 @@
 namespace corvina
 {
 
+class TThreadPool;
 struct TPredefinedTables;
 
 /// How the analysis of one reply at the root of the defence task ended.
@@ -57,7 +59,7 @@ struct TSolveRequest : TProblem, TStopBlock, TRegisterHost
     TSolveRequest() { m_TemporaryRegister.SetHost(this); }
 
     std::uint8_t m_nThreads = 1; ///< asked for by the options or by the engine
-    std::uint8_t m_nMultithreadingLevels = 0;
+    std::uint8_t m_nMultithreadingLevels = 1;
     std::uint8_t m_nEffectiveThreads = 1; ///< root threads that the root board was built for
     std::atomic<std::uint8_t> m_nRunningThreads{0}; ///< root threads that have finished
     bool m_bMirroredRun = false;
@@ -76,7 +78,12 @@ struct TSolveRequest : TProblem, TStopBlock, TRegisterHost
     bool m_bBruteForceOverrides = false;
     std::atomic<bool> m_bLastMoveStarted{false};
     std::atomic<bool> m_bPassWithoutHeuristics{false};
-    bool m_bThreadsForced = false;
+    bool m_bThreadsForced = false;       ///< the engine has asked for another number; once a run
+    std::uint8_t m_nSchedulerLevels = 0; ///< 0: off
+    bool m_bSchedulerThreadPool = true;  ///< threads of schedulers wait for further moves
+    TThreadPool* m_pSchedulerThreads = nullptr; ///< of the run, while it has a scheduler
+    TSharingSettings m_sharing;
+    TSharingCounts m_sharingCounts; ///< of the last run
     std::uint8_t m_nSearchMode = 0; ///< SEARCH_...
     std::int32_t m_nThreadPriority = 0;
     std::uint32_t m_nRequiredHeuristics = 0;
@@ -157,6 +164,10 @@ struct TSolveRequest : TProblem, TStopBlock, TRegisterHost
 
     /// Called for each pass as it ends, one at a time.
     std::function<void(const TPassReport& report)> OnPassEnd;
+
+    /// Asked whether the run may have another number of root threads, once it has looked at the
+    /// first moves. Without it the answer is yes.
+    std::function<bool(int nThreads)> OnForceThreads;
 
     /// Called with a text that the user should see; the run goes on.
     std::function<void(const std::string& strText)> OnMessage;

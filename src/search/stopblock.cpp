@@ -13,14 +13,21 @@ namespace
 
 constexpr auto PAUSE_STEP = std::chrono::milliseconds(100);
 
-constexpr std::uint64_t BitOf(std::uint16_t nThread)
-{
-    return nThread < TStopBlock::MAX_COMMANDED_THREADS ? std::uint64_t{1} << nThread : 0;
-}
-
 } // namespace
 
 // All below are called with the lock.
+
+void TStopBlock::SetState(std::uint8_t nState, std::uint16_t nThread)
+{
+    m_nStopThread = nThread;
+    m_nStopState = nState;
+    m_bAtRest = nState == RUN && m_stoppedThreads.empty();
+}
+
+bool TStopBlock::IsToStop(std::uint16_t nThread) const
+{
+    return (m_nStopState == STOP && IsFor(nThread)) || m_stoppedThreads.Contains(nThread);
+}
 
 bool TStopBlock::IsFor(std::uint16_t nThread) const
 {
@@ -29,7 +36,7 @@ bool TStopBlock::IsFor(std::uint16_t nThread) const
 
 EStopCheck TStopBlock::Check(std::uint16_t nThread, std::uint16_t nDepth) const
 {
-    if (m_nStopState == STOP && IsFor(nThread))
+    if (IsToStop(nThread))
         return EStopCheck::GiveUp;
     if (m_nStopState != COMMAND || m_nStopThread != nThread)
         return EStopCheck::GoOn;
@@ -38,8 +45,7 @@ EStopCheck TStopBlock::Check(std::uint16_t nThread, std::uint16_t nDepth) const
 
 void TStopBlock::Restore()
 {
-    m_nStopThread = m_nSavedStopThread;
-    m_nStopState = m_nSavedStopState;
+    SetState(m_nSavedStopState, m_nSavedStopThread);
     m_nSavedStopThread = ALL_THREADS;
     m_nSavedStopState = RUN;
 }
@@ -58,25 +64,42 @@ void TStopBlock::SetStopState(std::uint8_t nState, std::uint16_t nThread)
         m_nSavedStopState = nState;
         return;
     }
-    m_nStopThread = nThread;
-    m_nStopState = nState;
+    SetState(nState, nThread);
 }
 
-bool TStopBlock::StopThread(std::uint16_t nThread)
+void TStopBlock::StopThread(std::uint16_t nThread)
 {
     const std::lock_guard guard(m_bStopLock);
-    if (m_nStopState != RUN && !(m_nStopState == COMMAND && m_nStopThread == nThread))
-        return false;
-    m_nStopThread = nThread;
-    m_nStopState = STOP;
-    return true;
+    m_stoppedThreads.Insert(nThread);
+    m_bAtRest = false;
+    if (m_nStopState == COMMAND && m_nStopThread == nThread)
+        Restore();
 }
 
 void TStopBlock::ResumeThread(std::uint16_t nThread)
 {
     const std::lock_guard guard(m_bStopLock);
+    m_stoppedThreads.Erase(nThread);
     if (m_nStopState == STOP && m_nStopThread == nThread)
         Restore();
+    else
+        SetState(m_nStopState, m_nStopThread);
+}
+
+std::optional<std::uint16_t> TStopBlock::TakeThreadId(int nRootThreads)
+{
+    const std::lock_guard guard(m_bStopLock);
+    const auto nThread = m_threadIds.FirstMissing(static_cast<std::uint16_t>(nRootThreads));
+    if (nThread)
+        m_threadIds.Insert(*nThread);
+    return nThread;
+}
+
+void TStopBlock::GiveBackThreadId(std::uint16_t nThread)
+{
+    ResumeThread(nThread);
+    const std::lock_guard guard(m_bStopLock);
+    m_threadIds.Erase(nThread);
 }
 
 void TStopBlock::ClearStopState()
@@ -84,13 +107,20 @@ void TStopBlock::ClearStopState()
     const std::lock_guard guard(m_bStopLock);
     m_nSavedStopState = RUN;
     m_nSavedStopThread = ALL_THREADS;
+    m_stoppedThreads.Clear();
     Restore();
 }
 
 bool TStopBlock::IsStopFor(std::uint16_t nThread) const
 {
     const std::lock_guard guard(m_bStopLock);
-    return m_nStopState == STOP && IsFor(nThread);
+    return IsToStop(nThread);
+}
+
+bool TStopBlock::IsPauseFor(std::uint16_t nThread) const
+{
+    const std::lock_guard guard(m_bStopLock);
+    return m_nStopState == PAUSE && IsFor(nThread);
 }
 
 EStopCheck TStopBlock::LookAtStop(std::uint16_t nThread, std::uint16_t nDepth) const
@@ -98,7 +128,7 @@ EStopCheck TStopBlock::LookAtStop(std::uint16_t nThread, std::uint16_t nDepth) c
     while (true) {
         {
             const std::lock_guard guard(m_bStopLock);
-            if (m_nStopState != PAUSE || !IsFor(nThread))
+            if (m_nStopState != PAUSE || !IsFor(nThread) || m_stoppedThreads.Contains(nThread))
                 return Check(nThread, nDepth);
         }
         std::this_thread::sleep_for(PAUSE_STEP);
@@ -115,13 +145,13 @@ void TStopBlock::TakeCommands(std::uint16_t nThread, bool bNote)
 {
     const std::lock_guard guard(m_bStopLock);
     m_bNotesCommands = bNote;
-    m_nCommandedThreads |= BitOf(nThread);
+    m_commandedThreads.Insert(nThread);
 }
 
 void TStopBlock::TakeNoMoreCommands(std::uint16_t nThread)
 {
     const std::lock_guard guard(m_bStopLock);
-    m_nCommandedThreads &= ~BitOf(nThread);
+    m_commandedThreads.Erase(nThread);
     if (m_nStopState == COMMAND && m_nStopThread == nThread)
         Restore();
 }
@@ -129,7 +159,7 @@ void TStopBlock::TakeNoMoreCommands(std::uint16_t nThread)
 TStopBlock::EPost TStopBlock::PostCommand(std::uint16_t nThread, const TEngineCommand& command)
 {
     const std::lock_guard guard(m_bStopLock);
-    if (!(m_nCommandedThreads & BitOf(nThread)) || (m_nStopState == STOP && IsFor(nThread)))
+    if (!m_commandedThreads.Contains(nThread) || IsToStop(nThread))
         return EPost::NoThread;
     // A stop of another thread must stay where that thread sees it.
     if (m_nStopState == COMMAND || m_nStopState == STOP)
@@ -139,8 +169,7 @@ TStopBlock::EPost TStopBlock::PostCommand(std::uint16_t nThread, const TEngineCo
     m_command = command;
     if (m_bNotesCommands && !command.m_pReport)
         m_bInfluencedByHand = true;
-    m_nStopThread = nThread;
-    m_nStopState = COMMAND;
+    SetState(COMMAND, nThread);
     return EPost::Posted;
 }
 
@@ -159,14 +188,14 @@ TEngineCommand TStopBlock::GetCommand() const
 bool TStopBlock::FinishCommand(std::uint16_t nThread, const TNodeMoves* pReport)
 {
     const std::lock_guard guard(m_bStopLock);
-    if (m_nStopState == STOP && IsFor(nThread))
+    if (IsToStop(nThread))
         return false;
     if (m_nStopState != COMMAND || m_nStopThread != nThread)
         return true;
     if (pReport && m_command.m_pReport)
         *m_command.m_pReport = *pReport;
     Restore();
-    return m_nStopState != STOP || !IsFor(nThread);
+    return !IsToStop(nThread);
 }
 
 } // namespace corvina

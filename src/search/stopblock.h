@@ -3,9 +3,11 @@
 
 #include "chess/move.h"
 #include "platform/spinlock.h"
+#include "search/threadset.h"
 
 #include <atomic>
 #include <cstdint>
+#include <optional>
 
 namespace corvina
 {
@@ -46,9 +48,9 @@ struct TStopBlock
     std::atomic<std::uint16_t> m_nStopThread{ALL_THREADS}; ///< thread that the state concerns
     std::uint8_t m_nSavedStopState = RUN;                  ///< what to go back to after a command
     std::uint16_t m_nSavedStopThread = ALL_THREADS;
-    TEngineCommand m_command;              ///< in state COMMAND; guarded by m_bStopLock
-    std::uint64_t m_nCommandedThreads = 0; ///< that take commands, by bits; guarded likewise
-    bool m_bNotesCommands = false;         ///< each command is noted; guarded likewise
+    TEngineCommand m_command;      ///< in state COMMAND; guarded by m_bStopLock
+    TThreadSet m_commandedThreads; ///< that take commands; guarded likewise
+    bool m_bNotesCommands = false; ///< each command is noted; guarded likewise
     /// A command has been posted in a run that notes them, or has made a node pass over moves.
     std::atomic<bool> m_bInfluencedByHand{false};
 
@@ -57,26 +59,32 @@ struct TStopBlock
     /// comes into force when the command has been served. Any thread may call it.
     void SetStopState(std::uint8_t nState, std::uint16_t nThread);
 
-    /// Stops one thread, unless another state is in force already: false then. A command to the
-    /// thread is dropped.
-    bool StopThread(std::uint16_t nThread);
+    /// A directed stop: tells one thread of the run off, whatever the state is. Any number of them
+    /// may be in force at once. A command to the thread is dropped.
+    void StopThread(std::uint16_t nThread);
 
     /// Lifts a stop of that thread alone, with which it has complied.
     void ResumeThread(std::uint16_t nThread);
+
+    /// Gives a number to a thread beside the nRootThreads root threads; nothing: all are in use.
+    std::optional<std::uint16_t> TakeThreadId(int nRootThreads);
+
+    /// The thread has ended: what concerned it is lifted, and the number may be given again.
+    void GiveBackThreadId(std::uint16_t nThread);
 
     /// At the start of a run.
     void ClearStopState();
 
     /// Does a stop concern the thread? The fast path is one plain read.
-    bool IsStopped(std::uint16_t nThread) const
-    {
-        return m_nStopState.load(std::memory_order_relaxed) == STOP && IsStopFor(nThread);
-    }
+    bool IsStopped(std::uint16_t nThread) const { return !IsAtRest() && IsStopFor(nThread); }
+
+    /// Does a pause concern the thread?
+    bool IsPaused(std::uint16_t nThread) const { return !IsAtRest() && IsPauseFor(nThread); }
 
     bool IsStoppedForAll() const { return IsStopped(ALL_THREADS); }
 
     /// Nothing but to run, by one plain read: there is no need to look closer.
-    bool IsAtRest() const { return m_nStopState.load(std::memory_order_relaxed) == RUN; }
+    bool IsAtRest() const { return m_bAtRest.load(std::memory_order_relaxed); }
 
     /// What a node of the thread with so many half-moves left is to do. A pause is waited for.
     EStopCheck LookAtStop(std::uint16_t nThread, std::uint16_t nDepth) const;
@@ -88,8 +96,6 @@ struct TStopBlock
     }
 
     // Commands
-
-    static constexpr std::uint16_t MAX_COMMANDED_THREADS = 64;
 
     /// From now on the thread takes commands, and no longer. The second one drops a command that
     /// waits for it. bNote: the run notes that it gets them.
@@ -117,11 +123,19 @@ struct TStopBlock
     bool FinishCommand(std::uint16_t nThread, const TNodeMoves* pReport = nullptr);
 
 private:
+    void SetState(std::uint8_t nState, std::uint16_t nThread);
+    bool IsToStop(std::uint16_t nThread) const;
     bool IsFor(std::uint16_t nThread) const;
     bool IsGivenUpAfterAll(std::uint16_t nThread, std::uint16_t nDepth) const;
     EStopCheck Check(std::uint16_t nThread, std::uint16_t nDepth) const;
     void Restore();
     bool IsStopFor(std::uint16_t nThread) const;
+    bool IsPauseFor(std::uint16_t nThread) const;
+
+    /// Neither a state nor a directed stop is in force; written with the lock.
+    std::atomic<bool> m_bAtRest{true};
+    TThreadSet m_stoppedThreads; ///< under a directed stop; guarded by m_bStopLock, as the next
+    TThreadSet m_threadIds;      ///< in use, without those of the root threads
 };
 
 } // namespace corvina

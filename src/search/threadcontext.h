@@ -3,6 +3,7 @@
 
 #include "chess/linecontext.h"
 #include "heuristics/heuristicsparams.h"
+#include "search/suspension.h"
 
 #include <array>
 #include <cstdint>
@@ -29,7 +30,14 @@ class TScout;
 class TThreadContext : public TLineContext, public THeuristicsParams
 {
 public:
+    static constexpr std::uint16_t NEVER = 65535;
+
     explicit TThreadContext(int nMaxPlies) : TLineContext(nMaxPlies) { ReserveLevels(nMaxPlies); }
+
+    /// For a thread that goes on below a position of another one, which waits for it meanwhile: a
+    /// copy of all that the owner has now, with a line of its own. *ppCopy: the position on that
+    /// line. IsLineWhole(board) holds. Throws std::bad_alloc.
+    TThreadContext(const TThreadContext& owner, const TChessboard& board, TChessboard** ppCopy);
 
     /// Reserve of the base together with the state per depth.
     void ReserveLevels(int nMaxPlies)
@@ -47,6 +55,19 @@ public:
 
     std::uint16_t m_nThreadId = 0;  ///< for the stop block; 0 in a single-threaded run
     std::uint64_t m_nPositions = 0; ///< legal moves made
+
+    // Threads below the root (search/levels.h, search/scheduler.h).
+    const TThreadContext* m_pOwner = nullptr; ///< of the thread that waits for this one
+    /// White nodes with at least so many half-moves left look closer: their moves may be shared, or
+    /// the thread is one that can be held.
+    std::uint16_t m_nWatchDepth = NEVER;
+    std::uint8_t m_nSpawnWidth = 0;  ///< threads of a group; 0: there are no groups
+    TThreadFlag m_bLastOfGroup;      ///< it is all that its group has left
+    bool m_bRespawnLock = false;     ///< and has a group of its own therefore
+    bool m_bSchedulerThread = false; ///< a scheduler's, or below one
+    int m_nPriority = 0;
+    /// Moves that may be played under an open search of SH_USEBLOCKBLACKPAWNSLEVEL.
+    std::uint16_t m_nBlockPawnsLevel = NEVER;
 
     // Position repetition. Element d + 1 holds, after the moves of the node of depth d are done,
     // the largest m_nMoves of a position further up on which an answer below the node leans; 0:
@@ -114,9 +135,9 @@ public:
 
     TScout* m_pScout = nullptr; ///< of the thread's passes, while it has one
 
-    TMove m_firstMove{};           ///< the first move that the thread analyses
-    bool m_bSuspendResume = false; ///< the thread has stopped itself and lifts that
-    std::uint8_t m_nSuspended = 0; ///< 0: active, 1: held by the scheduler, 2 and more: abandon
+    TMove m_firstMove{};                   ///< the first move that the thread analyses
+    bool m_bSuspendResume = false;         ///< the thread has stopped itself and lifts that
+    TSuspension m_nSuspended;              ///< by the scheduler
     std::uint16_t m_nDefenceDepth = 65535; ///< depth of the node whose replies are all walked
 
     /// Refutations by depth, the latest first.
@@ -124,7 +145,13 @@ public:
     std::vector<TKiller> m_aWhiteKillers;
     std::vector<TKiller> m_aUnrefuted; ///< of White, in quick refutations
     TKiller m_lastMate;                ///< the latest mating move
+
+private:
+    TThreadContext(const TThreadContext&) = default;
 };
+
+/// The records from the position up to the root of its thread follow each other ply by ply.
+bool IsLineWhole(const TChessboard& board);
 
 /// The context of the thread that a record of the search belongs to.
 inline TThreadContext& ContextOf(const TChessboard& board)

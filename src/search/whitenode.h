@@ -2,8 +2,10 @@
 #define CORVINA_SEARCH_WHITENODE_H
 
 #include "search/hooks.h"
+#include "search/levelthread.h"
 #include "search/line.h"
 #include "search/registeraccess.h"
+#include "search/scheduler.h"
 #include "search/scout.h"
 #include "search/servestop.h"
 #include "search/shortmate.h"
@@ -12,6 +14,7 @@
 #include <algorithm>
 #include <optional>
 #include <thread>
+#include <utility>
 
 namespace corvina
 {
@@ -29,8 +32,10 @@ constexpr int LIST_MATES = -1;
 ///     bool IsCut(const TChessboard& board, const TMove& move);
 ///     bool IsCutAfterMove(TChessboard& child);
 ///         a heuristic cuts the move, before or after it is made
-///     TSearchResult SearchReplies(TChessboard& child);
-///         the node at Black's move
+///     TSearchResult SearchReplies(TChessboard& child) const;
+///         the node at Black's move; may be called in another thread, on a copy of the object
+///     static constexpr bool JUGGLED;
+///         the scheduler may take the list
 template <class TKind>
 class TWhiteNode
 {
@@ -61,6 +66,32 @@ public:
         return nResult == RESULT_MATE && !m_bListMates ? OnMate() : nResult;
     }
 
+    /// The part of a group's thread in the node of another thread: takes moves of the shared list
+    /// until none are left. The answer is the node's; nothing of it is stored here.
+    TLevelOutcome SearchShared(const TKind& kind, TLevelMoves& shared)
+    {
+        m_kind = kind;
+        m_anRepeat[m_nDepth + 1] = 0;
+        TMoveList moves;
+        std::copy_n(shared.m_moves.begin(), shared.m_nCount, moves.data());
+        const TShownList shown(m_context, m_nDepth);
+        TLevelOutcome outcome;
+        for (int i = TakeNextMove(shared); i < shared.m_nCount; i = TakeNextMove(shared)) {
+            outcome.m_nResult =
+                WaitWhileHeld(m_board) ? TryMoves(moves.data(), i, i + 1) : RESULT_REPETITION;
+            if (outcome.m_nResult != RESULT_NO_MATE || m_bStopped)
+                break;
+        }
+        outcome.m_bGivenUp = outcome.m_nResult == RESULT_REPETITION || m_bStopped || IsStopped();
+        outcome.m_mate = m_mate;
+        outcome.m_nDoubtful = m_nDoubtful;
+        outcome.m_nRepetition = m_nRepetition;
+        outcome.m_nRepeatDepth = m_anRepeat[m_nDepth + 1];
+        outcome.m_nDoubtReason = m_context.m_nDoubtReason;
+        outcome.m_bLeftOutByHand = m_context.m_bLeftOutByHand;
+        return outcome;
+    }
+
 private:
     /// The callback of progress comes at depths 9, 25, 41 ...
     static constexpr int PROGRESS_PERIOD = 16;
@@ -87,15 +118,11 @@ private:
         return false;
     }
 
-    /// Stops this thread, unless it is to stop for another reason. It lifts that when it has come
-    /// back to the first moves.
+    /// Stops this thread. That is lifted when it has come back to the first moves, or to its end.
     void GiveUpFirstMove()
     {
-        while (!IsStopped() && m_context.m_nSuspended <= 1 && !m_context.m_bSuspendResume) {
-            m_request.LookAtStop(m_context.m_nThreadId, m_nDepth); // a pause comes first
-            m_context.m_bSuspendResume = m_request.StopThread(m_context.m_nThreadId);
-            std::this_thread::yield(); // another thread may be on its way back
-        }
+        m_context.m_bSuspendResume = true;
+        m_request.StopThread(m_context.m_nThreadId);
     }
 
     /// The tables' answer is exact; a mate that is too long may still fit a short mate search with
@@ -126,7 +153,9 @@ private:
         if (m_bListMates)
             return RESULT_MATE;
         for (int nDone = 0;;) {
-            const TSearchResult nResult = TryMoves(moves.data(), nDone, nMoves);
+            const TSearchResult nResult = m_nDepth < m_context.m_nWatchDepth
+                                              ? TryMoves(moves.data(), nDone, nMoves)
+                                              : TryMovesWatched(moves.data(), nDone, nMoves);
             if (nResult != RESULT_NO_MATE)
                 return nResult;
             if (m_bStopped)
@@ -150,12 +179,8 @@ private:
         for (; i < nTo && !m_bStopped; ++i) {
             m_context.m_anMoveIndex[m_nDepth] = static_cast<std::uint8_t>(i);
             const TSearchResult nResult = TryMove(pMoves[i]);
-            if (nResult == RESULT_MATE) {
-                m_context.m_aWhiteKillers[m_nDepth] = {pMoves[i],
-                                                       m_board.m_board[pMoves[i].m_from]};
-                m_mate = pMoves[i];
-                return RESULT_MATE;
-            }
+            if (nResult == RESULT_MATE)
+                return NoteMate(pMoves[i]);
             // Behind the move: it may have been given up.
             if (!m_request.IsAtRest() && ServeStopAt(pMoves, nTo, i, true))
                 continue;
@@ -165,6 +190,147 @@ private:
                 return RESULT_REPETITION;
         }
         return RESULT_NO_MATE;
+    }
+
+    TSearchResult NoteMate(const TMove& move)
+    {
+        m_context.m_aWhiteKillers[m_nDepth] = {move, m_board.m_board[move.m_from]};
+        m_mate = move;
+        return RESULT_MATE;
+    }
+
+    /// As TryMoves, where the moves may be shared or the thread may be held.
+    TSearchResult TryMovesWatched(TMove* pMoves, int nFrom, int nTo)
+    {
+        if (!WaitWhileHeld(m_board))
+            return Leave();
+        m_context.m_apMoves[m_nDepth] = pMoves;
+        m_context.m_anMoveCount[m_nDepth] = static_cast<std::uint8_t>(nTo);
+        m_context.m_anMoveIndex[m_nDepth] = static_cast<std::uint8_t>(nFrom);
+        const int nMoves = nTo - nFrom;
+        if (const TSpawnLeave leave(m_board, nMoves); leave) {
+            const auto outcome = NextMultithreadingLevel(
+                m_board, pMoves + nFrom, nMoves,
+                [&kind = std::as_const(m_kind)](TChessboard& board, TLevelMoves& shared) {
+                    return TWhiteNode(board).SearchShared(kind, shared);
+                });
+            if (outcome)
+                return TakeUp(*outcome);
+        }
+        if constexpr (TKind::JUGGLED) {
+            if (MayJuggle(m_board, nMoves))
+                return JuggleMoves(pMoves, nFrom, nTo);
+        }
+        return TryMoves(pMoves, nFrom, nTo);
+    }
+
+    /// Without an answer.
+    TSearchResult Leave()
+    {
+        m_bStopped = true;
+        return RESULT_NO_MATE;
+    }
+
+    /// Moves that others have tried for this node count as if it had tried them itself.
+    TSearchResult TakeUp(const TLevelOutcome& outcome)
+    {
+        if (outcome.m_nResult == RESULT_MATE)
+            return NoteMate(outcome.m_mate);
+        if (outcome.m_bGivenUp)
+            return GiveUpWithOthers();
+        m_nDoubtful += outcome.m_nDoubtful;
+        m_nRepetition += outcome.m_nRepetition;
+        m_anRepeat[m_nDepth + 1] = std::max(m_anRepeat[m_nDepth + 1], outcome.m_nRepeatDepth);
+        if (outcome.m_nDoubtful)
+            m_context.m_nDoubtReason = outcome.m_nDoubtReason;
+        m_context.m_bLeftOutByHand |= outcome.m_bLeftOutByHand;
+        return RESULT_NO_MATE;
+    }
+
+    /// A thread at work for this node has left it without an answer. Unless this thread is on its
+    /// way back anyway, the first move isn't worth going on with.
+    TSearchResult GiveUpWithOthers()
+    {
+        if (m_request.LookAtStop(m_context.m_nThreadId, m_nDepth) != EStopCheck::GiveUp)
+            GiveUpFirstMove();
+        return Leave();
+    }
+
+    /// As TryMoves, with the moves that need a search juggled by a scheduler.
+    TSearchResult JuggleMoves(TMove* pMoves, int nFrom, int nTo)
+    {
+        TScheduler scheduler(
+            m_board, [kind = m_kind](TChessboard& child) { return kind.SearchReplies(child); });
+        bool bMayStart = true;
+        for (int nNext = nFrom;;) {
+            int i = SchedulerChooseNext(scheduler, bMayStart && nNext < nTo);
+            int nResult = SCHEDULER_PENDING;
+            if (i != TSchedulerBook::NONE) {
+                m_context.m_anMoveIndex[m_nDepth] = static_cast<std::uint8_t>(i);
+                nResult = SchedulerWait(scheduler, i);
+                if (nResult <= RESULT_REPETITION)
+                    m_anRepeat[m_nDepth] = SchedulerGetRepetition(scheduler, i);
+            }
+            else if (nNext < nTo) {
+                i = nNext++;
+                nResult = BeginMove(scheduler, pMoves, i);
+                if (nResult == SCHEDULER_NOT_STARTED)
+                    --nNext;
+            }
+            else {
+                return RESULT_NO_MATE;
+            }
+            // Without a thread for it, a new move has to wait until another one has ended.
+            bMayStart =
+                nResult != SCHEDULER_NOT_STARTED && (bMayStart || nResult != SCHEDULER_PENDING);
+            if (nResult == RESULT_MATE)
+                return NoteMate(pMoves[i]);
+            if (!TakeJuggled(scheduler, i, nResult))
+                return m_bStopped ? RESULT_NO_MATE : RESULT_REPETITION;
+        }
+    }
+
+    static constexpr int SCHEDULER_NOT_STARTED = 253; ///< beside the answers of SchedulerWait
+
+    /// Makes a move and gives it a thread, if it isn't settled by that.
+    int BeginMove(TScheduler& scheduler, TMove* pMoves, int nIndex)
+    {
+        constexpr int MAX_TRIES = 3;
+        TSearchResult nSettled = RESULT_NO_MATE;
+        TChessboard* pChild = MakeTry(pMoves[nIndex], &nSettled);
+        if (!pChild)
+            return nSettled;
+        for (int i = 0; i < MAX_TRIES; ++i) {
+            if (SchedulerStart(scheduler, *pChild, nIndex))
+                return SCHEDULER_PENDING;
+            if (SchedulerMustQuit(scheduler))
+                return SCHEDULER_GIVEN_UP;
+            std::this_thread::yield();
+        }
+        return SchedulerFirstFree(scheduler) == TSchedulerBook::NONE
+                   ? int{TryMoves(pMoves, nIndex, nIndex + 1)}
+                   : SCHEDULER_NOT_STARTED;
+    }
+
+    /// Counts the result of a move. False when the node is to end.
+    bool TakeJuggled(TScheduler& scheduler, int nIndex, int nResult)
+    {
+        if (SchedulerMustQuit(scheduler)) {
+            m_bStopped = true;
+            return false;
+        }
+        if (nResult == SCHEDULER_GIVEN_UP && SchedulerLeftOut(scheduler, nIndex)) {
+            ++m_nDoubtful;
+            m_context.m_bLeftOutByHand = m_request.m_bInfluencedByHand = true;
+        }
+        else if (nResult == SCHEDULER_GIVEN_UP) {
+            GiveUpWithOthers();
+            return false;
+        }
+        else if (nResult == RESULT_DOUBTFUL) {
+            ++m_nDoubtful;
+        }
+        return nResult > RESULT_REPETITION || NoteRepetition();
     }
 
     /// True: the move at i doesn't count, and the list goes on behind the new i. bTried: the move
@@ -183,17 +349,29 @@ private:
     /// One move of the list; a move that is illegal or ends in a repetition is no mate.
     TSearchResult TryMove(TMove& move)
     {
+        TSearchResult nSettled = RESULT_NO_MATE;
+        TChessboard* pChild = MakeTry(move, &nSettled);
+        return pChild ? m_kind.SearchReplies(*pChild) : nSettled;
+    }
+
+    /// The position behind a move; null when that is settled without a search.
+    TChessboard* MakeTry(TMove& move, TSearchResult* pnSettled)
+    {
+        *pnSettled = RESULT_DOUBTFUL;
         if (m_kind.IsCut(m_board, move))
-            return RESULT_DOUBTFUL;
+            return nullptr;
         TChessboard& child = m_context.MakeChild(m_board);
+        *pnSettled = RESULT_NO_MATE;
         if (!child.MakeWhiteMove(&move))
-            return RESULT_NO_MATE;
+            return nullptr;
         ++m_context.m_nPositions;
         if (const std::uint16_t nEarlier = CountingRepetition(child)) {
             m_anRepeat[m_nDepth] = nEarlier;
-            return RESULT_REPETITION;
+            *pnSettled = RESULT_REPETITION;
+            return nullptr;
         }
-        return m_kind.IsCutAfterMove(child) ? RESULT_DOUBTFUL : m_kind.SearchReplies(child);
+        *pnSettled = RESULT_DOUBTFUL;
+        return m_kind.IsCutAfterMove(child) ? nullptr : &child;
     }
 
     /// A move leans on a position further up. False when the thread is being stopped.

@@ -119,10 +119,13 @@ TEST(EngineCommand, TheStopBlockComesBack)
         EXPECT_TRUE(block.IsGivenUp(2, 8));
         EXPECT_FALSE(block.IsGivenUp(2, 9));
         EXPECT_FALSE(block.IsGivenUp(1, 8));
-        EXPECT_FALSE(block.StopThread(1));
+        block.StopThread(1);
+        EXPECT_TRUE(block.IsStopped(1));
+        EXPECT_EQ(block.LookAtStop(2, 9), EStopCheck::Serve) << "a directed stop goes beside it";
         EXPECT_TRUE(block.FinishCommand(2));
+        EXPECT_FALSE(block.IsAtRest());
+        block.ResumeThread(1);
         EXPECT_TRUE(block.IsAtRest());
-        EXPECT_TRUE(block.StopThread(1));
     }
     {
         TBlock block; // a pause goes on afterwards
@@ -162,7 +165,7 @@ TEST(EngineCommand, TheStopBlockComesBack)
         block.TakeNoMoreCommands(0);
         EXPECT_TRUE(block.IsAtRest());
         ASSERT_TRUE(posted(block, 0));
-        EXPECT_TRUE(block.StopThread(0));
+        block.StopThread(0);
         EXPECT_TRUE(block.IsStopped(0));
         block.ResumeThread(0);
         EXPECT_TRUE(block.IsAtRest());

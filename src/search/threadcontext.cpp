@@ -1,0 +1,36 @@
+#include "search/threadcontext.h"
+
+namespace corvina
+{
+
+TThreadContext::TThreadContext(const TThreadContext& owner, const TChessboard& board,
+                               TChessboard** ppCopy)
+    : TThreadContext(owner)
+{
+    m_pOwner = &owner;
+    m_pScout = nullptr;
+    m_bRespawnLock = false;
+    m_nPositions = 0;
+    m_anCuts.fill(0);
+    TChessboard* pChild = nullptr;
+    for (const TChessboard* p = &board; p; p = p->m_pParent) {
+        TChessboard& copy = Slot(p->m_nMoves + 1);
+        copy = *p;
+        copy.m_pThread = this;
+        copy.m_pParent = nullptr;
+        (pChild ? pChild->m_pParent : *ppCopy) = &copy;
+        pChild = m_pRootBoard = &copy;
+    }
+}
+
+bool IsLineWhole(const TChessboard& board)
+{
+    const TChessboard* p = &board;
+    for (; p->m_pParent; p = p->m_pParent) {
+        if (p->m_pParent->m_nMoves != p->m_nMoves + 1)
+            return false;
+    }
+    return p->m_nMoves == p->m_nInitialMoves && p == ContextOf(board).m_pRootBoard;
+}
+
+} // namespace corvina
