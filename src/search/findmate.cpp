@@ -449,7 +449,8 @@ void ForceThreads(TChessboard& root)
 {
     TSolveRequest& request = *root.m_pRequest;
     constexpr std::uint8_t BRUTE_FORCE_PHASE = 2;
-    if (request.m_bThreadsForced || request.m_bPlain || request.m_nRequestedThreads != -1 ||
+    // A run that is part of another one has that one's threads.
+    if (request.m_bThreadsForced || request.m_bPlain || request.m_nThreads < 2 || request.m_nRequestedThreads != -1 ||
         request.m_nHybridBruteForcePhase >= BRUTE_FORCE_PHASE)
         return;
     const int nThreads = -ForceThreadsDecision(root, request.m_vecFirstMoves);
@@ -464,6 +465,29 @@ void ForceThreads(TChessboard& root)
     request.m_tStart += asked;
     request.m_tFirstMoveStart += asked;
 }
+
+/// The levels of the scheduler that the task has room for, and its threads.
+class TSchedulerThreads
+{
+public:
+    explicit TSchedulerThreads(const TChessboard& root)
+        : m_request(*root.m_pRequest), m_pOuter(m_request.m_pSchedulerThreads)
+    {
+        m_request.m_nSchedulerLevels =
+            static_cast<std::uint8_t>(SchedulerLevelsFor(root, m_request.m_nSchedulerLevels));
+        if (m_request.m_nSchedulerLevels != 0)
+            m_pool.emplace(m_request.m_bSchedulerThreadPool ? MAX_PARKED_THREADS : 0);
+        m_request.m_pSchedulerThreads = m_pool ? &*m_pool : nullptr;
+    }
+    ~TSchedulerThreads() { m_request.m_pSchedulerThreads = m_pOuter; }
+    TSchedulerThreads(const TSchedulerThreads&) = delete;
+    TSchedulerThreads& operator=(const TSchedulerThreads&) = delete;
+
+private:
+    TSolveRequest& m_request;
+    TThreadPool* const m_pOuter; ///< of a run that this one is part of
+    std::optional<TThreadPool> m_pool;
+};
 
 /// Shorter tasks are solved sooner than their first moves are looked at.
 constexpr int MIN_SORTED_TASK = 6;
@@ -564,17 +588,11 @@ std::int8_t FindMate(TChessboard& root, std::vector<TMove>& vecResult)
     TakeUpHeuristics(root);
     request.m_vecFirstMoves = FirstMoves(root);
     ForceThreads(root);
-    request.m_nSchedulerLevels =
-        static_cast<std::uint8_t>(SchedulerLevelsFor(root, request.m_nSchedulerLevels));
-    std::optional<TThreadPool> schedulerThreads;
-    if (request.m_nSchedulerLevels != 0)
-        schedulerThreads.emplace(request.m_bSchedulerThreadPool ? MAX_PARKED_THREADS : 0);
-    request.m_pSchedulerThreads = schedulerThreads ? &*schedulerThreads : nullptr;
+    const TSchedulerThreads schedulerThreads(root);
     TRun run(root, MovesLeftByPreRuns(root),
              std::clamp<int>(request.m_nEffectiveThreads, 1, MAX_ROOT_THREADS));
     request.m_nFirstMovesTotal = static_cast<std::uint32_t>(run.m_table.Size());
     RunThreads(run);
-    request.m_pSchedulerThreads = nullptr;
 
     request.m_nPositions = run.m_nPositions;
     request.m_nScoutPositions = run.m_nScoutPositions;

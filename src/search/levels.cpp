@@ -30,7 +30,7 @@ bool MayShare(const TChessboard& board, int nMoves)
     const int nMinDepth = bMany ? settings.m_nMinLevelDepthOfMany : settings.m_nMinLevelDepth;
     return context.m_nSpawnWidth > 1 && board.m_nMoves >= nMinDepth &&
            board.m_nMoves != board.m_nInitialMoves && nMoves >= 2 && nMoves <= MAX_SHARED_MOVES &&
-           IsPlainCourse(context) && context.m_nBlockPawnsLevel == TThreadContext::NEVER &&
+           IsPlainCourse(context) && context.m_nBlockPawnsLevel < 0 &&
            !(board.m_nHeuristics & SH_ZUGZWANGTRIANGLES) && !request.m_bRegisterConfirm &&
            !request.IsStopped(context.m_nThreadId) && IsLineWhole(board);
 }
@@ -100,7 +100,7 @@ bool IsPlainCourse(const TThreadContext& context)
 {
     return context.m_nQuickerMateNesting == 0 && context.m_nRefutationNesting == 0 &&
            context.m_nSortNesting == 0 && context.m_nFirstSortNesting == 0 &&
-           context.m_nHookNesting == 0;
+           context.m_nHookNesting == 0 && !context.m_bInPinnedRook;
 }
 
 TSpawnLeave::TSpawnLeave(const TChessboard& board, int nMoves)

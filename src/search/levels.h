@@ -48,7 +48,7 @@ inline int FullMovesPlayed(const TChessboard& board)
 }
 
 /// Nothing but the plain course of the search is open on the thread: no short mate search, quick
-/// refutation or sort.
+/// refutation, sort or special solver.
 bool IsPlainCourse(const TThreadContext& context);
 
 /// Leave for a node to make a group of the moves in its list. What it counts is given back when the

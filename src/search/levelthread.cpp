@@ -87,7 +87,7 @@ public:
             if (thread.m_nThreadId)
                 m_request.GiveBackThreadId(*thread.m_nThreadId);
             if (thread.m_pContext)
-                TakeCounts(*thread.m_pContext);
+                m_context.TakeCounts(*thread.m_pContext);
         }
     }
     TGroup(const TGroup&) = delete;
@@ -246,13 +246,6 @@ private:
                 m_request.StopThread(*thread.m_nThreadId);
         }
         m_ended.wait(lock, [this] { return CountFinished() == m_vecThreads.size(); });
-    }
-
-    void TakeCounts(const TThreadContext& other)
-    {
-        m_context.m_nPositions += other.m_nPositions;
-        for (std::size_t i = 0; i < other.m_anCuts.size(); ++i)
-            m_context.m_anCuts[i] += other.m_anCuts[i];
     }
 
     TChessboard& m_board;

@@ -174,9 +174,7 @@ void TScheduler::TakeBack(TMoveThread& move)
 {
     if (!move.m_pContext)
         return;
-    m_context.m_nPositions += move.m_pContext->m_nPositions;
-    for (std::size_t i = 0; i < m_context.m_anCuts.size(); ++i)
-        m_context.m_anCuts[i] += move.m_pContext->m_anCuts[i];
+    m_context.TakeCounts(*move.m_pContext);
     m_context.m_nDoubtReason = move.m_pContext->m_nDoubtReason;
     m_request.GiveBackThreadId(move.m_nThreadId);
     move.m_pContext.reset();
@@ -304,6 +302,7 @@ void TScheduler::ServeCommand()
         }
         else {
             m_book.Charge(m_nActive, command.m_nCommand == ORDER_SWAP ? MUCH : VERY_MUCH);
+            m_bTurnOver = true;
         }
     }
     m_request.FinishCommand(m_context.m_nThreadId);
@@ -334,7 +333,7 @@ int TScheduler::WaitForQuantum(int nIndex)
     while (!WaitUntilDone(move, std::chrono::nanoseconds::zero())) {
         if (MustQuit())
             return SCHEDULER_GIVEN_UP;
-        if (active >= total) {
+        if (active >= total || std::exchange(m_bTurnOver, false)) {
             const std::lock_guard guard(m_csScheduler);
             m_book.Charge(nIndex, quantum.m_nCredit);
             return SCHEDULER_PENDING;

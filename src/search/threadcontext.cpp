@@ -2,6 +2,15 @@
 
 namespace corvina
 {
+namespace
+{
+
+constexpr std::uint64_t TThreadContext::* COUNTS[] = {
+    &TThreadContext::m_nPositions, &TThreadContext::m_nPinnedRookSearches,
+    &TThreadContext::m_nPinnedRookMates, &TThreadContext::m_nUnblockTries,
+    &TThreadContext::m_nBlockedPawnMoves};
+
+} // namespace
 
 TThreadContext::TThreadContext(const TThreadContext& owner, const TChessboard& board,
                                TChessboard** ppCopy)
@@ -10,7 +19,8 @@ TThreadContext::TThreadContext(const TThreadContext& owner, const TChessboard& b
     m_pOwner = &owner;
     m_pScout = nullptr;
     m_bRespawnLock = false;
-    m_nPositions = 0;
+    for (std::uint64_t TThreadContext::* pCount : COUNTS)
+        this->*pCount = 0;
     m_anCuts.fill(0);
     TChessboard* pChild = nullptr;
     for (const TChessboard* p = &board; p; p = p->m_pParent) {
@@ -21,6 +31,14 @@ TThreadContext::TThreadContext(const TThreadContext& owner, const TChessboard& b
         (pChild ? pChild->m_pParent : *ppCopy) = &copy;
         pChild = m_pRootBoard = &copy;
     }
+}
+
+void TThreadContext::TakeCounts(const TThreadContext& other)
+{
+    for (std::uint64_t TThreadContext::* pCount : COUNTS)
+        this->*pCount += other.*pCount;
+    for (std::size_t i = 0; i < m_anCuts.size(); ++i)
+        m_anCuts[i] += other.m_anCuts[i];
 }
 
 bool IsLineWhole(const TChessboard& board)

@@ -39,6 +39,9 @@ public:
     /// line. IsLineWhole(board) holds. Throws std::bad_alloc.
     TThreadContext(const TThreadContext& owner, const TChessboard& board, TChessboard** ppCopy);
 
+    /// Adds what a thread that has ended has counted.
+    void TakeCounts(const TThreadContext& other);
+
     /// Reserve of the base together with the state per depth.
     void ReserveLevels(int nMaxPlies)
     {
@@ -66,8 +69,6 @@ public:
     bool m_bRespawnLock = false;     ///< and has a group of its own therefore
     bool m_bSchedulerThread = false; ///< a scheduler's, or below one
     int m_nPriority = 0;
-    /// Moves that may be played under an open search of SH_USEBLOCKBLACKPAWNSLEVEL.
-    std::uint16_t m_nBlockPawnsLevel = NEVER;
 
     // Position repetition. Element d + 1 holds, after the moves of the node of depth d are done,
     // the largest m_nMoves of a position further up on which an answer below the node leans; 0:
