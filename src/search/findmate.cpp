@@ -450,8 +450,8 @@ void ForceThreads(TChessboard& root)
     TSolveRequest& request = *root.m_pRequest;
     constexpr std::uint8_t BRUTE_FORCE_PHASE = 2;
     // A run that is part of another one has that one's threads.
-    if (request.m_bThreadsForced || request.m_bPlain || request.m_nThreads < 2 || request.m_nRequestedThreads != -1 ||
-        request.m_nHybridBruteForcePhase >= BRUTE_FORCE_PHASE)
+    if (request.m_bThreadsForced || request.m_bPlain || request.m_nThreads < 2 ||
+        request.m_nRequestedThreads != -1 || request.m_nHybridBruteForcePhase >= BRUTE_FORCE_PHASE)
         return;
     const int nThreads = -ForceThreadsDecision(root, request.m_vecFirstMoves);
     if (nThreads == 0 || nThreads == request.m_nEffectiveThreads)

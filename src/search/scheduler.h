@@ -75,7 +75,7 @@ private:
     TThreadContext& m_context; ///< of the node's thread
     const TSearch m_search;
     bool m_bMustQuit = false;
-    bool m_bTurnOver = false; ///< by hand, of the move that runs
+    bool m_bTurnOver = false;             ///< by hand, of the move that runs
     int m_nActive = TSchedulerBook::NONE; ///< the move that isn't held
 
     std::mutex m_csScheduler; ///< guards all below, but what a running thread has for itself

@@ -5,7 +5,7 @@ namespace corvina
 namespace
 {
 
-constexpr std::uint64_t TThreadContext::* COUNTS[] = {
+constexpr std::uint64_t TThreadContext::*COUNTS[] = {
     &TThreadContext::m_nPositions, &TThreadContext::m_nPinnedRookSearches,
     &TThreadContext::m_nPinnedRookMates, &TThreadContext::m_nUnblockTries,
     &TThreadContext::m_nBlockedPawnMoves};
@@ -19,7 +19,7 @@ TThreadContext::TThreadContext(const TThreadContext& owner, const TChessboard& b
     m_pOwner = &owner;
     m_pScout = nullptr;
     m_bRespawnLock = false;
-    for (std::uint64_t TThreadContext::* pCount : COUNTS)
+    for (std::uint64_t TThreadContext::*pCount : COUNTS)
         this->*pCount = 0;
     m_anCuts.fill(0);
     TChessboard* pChild = nullptr;
@@ -35,7 +35,7 @@ TThreadContext::TThreadContext(const TThreadContext& owner, const TChessboard& b
 
 void TThreadContext::TakeCounts(const TThreadContext& other)
 {
-    for (std::uint64_t TThreadContext::* pCount : COUNTS)
+    for (std::uint64_t TThreadContext::*pCount : COUNTS)
         this->*pCount += other.*pCount;
     for (std::size_t i = 0; i < m_anCuts.size(); ++i)
         m_anCuts[i] += other.m_anCuts[i];
