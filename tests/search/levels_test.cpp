@@ -37,6 +37,7 @@ void CheckForm(const TTask& task, const TForm& form, const char* pSet, TCounts& 
     const TLeftBehind left;
     TSharingRequest request(task.m_board, task.m_nMate);
     ReadHeuristicsText(pSet, request.m_heuristicSet, &task.m_board);
+    request.m_bBruteForce = form.m_nThreads == 3; // groups of two, then
     TRunSettings settings = SettingsOf(form);
     settings.m_bQuickMode = task.m_nMate % 2 == 0;
     const std::string strText = Describe(task, pSet) + ", " + form.Text();
