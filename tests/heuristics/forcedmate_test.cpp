@@ -156,53 +156,6 @@ TEST(ForcingMoves, ListsHoldWhatTheLevelPromises)
     EXPECT_GT(nLeftOut, 20);
 }
 
-TEST(ForcingMoves, EachStageAddsItsMoves)
-{
-    // The rook has the back rank at its mercy, but for the square that the bishop guards.
-    const char* pBackRank = "6k1/5ppp/8/6b1/8/8/q7/3R2K1";
-    const char* pGuardedFile = "6k1/5ppp/8/q5b1/8/8/8/3R2K1";
-    const char* pNearKing = "6k1/5pp1/8/6Nb/8/1q6/8/6K1";
-    const char* pTwoQueens = "7q/1k6/8/8/8/8/7Q/2K1Q3";
-    struct TCase
-    {
-        const char* m_pFen;
-        int m_nLevel;
-        const char* m_pMove;
-        bool m_bListed;
-        const char* m_pPrevious = "";
-        bool m_bAddCaptures = false;
-    };
-    const TCase aCases[] = {
-        {pBackRank, FFM_CHECK_ONLY, "d1d8", true},
-        {pBackRank, FFM_CHECK_ONLY, "d1e1", false},
-        {pBackRank, FFM_THREAT_1, "d1e1", true},
-        {pGuardedFile, FFM_THREAT_1, "d1e1", false}, // the queen takes
-        {pGuardedFile, FFM_THREAT_1_PLUS, "d1e1", true},
-        {pBackRank, FFM_THREAT_1_PLUS, "g1h1", false},
-        {pBackRank, FFM_CHECK_ONLY, "d1e1", true, "d1e1"},
-        {pBackRank, FFM_CHECK_ONLY, "g1h1", false, "g1h1"},
-        {"7k/8/8/8/8/1q6/8/K5Q1", FFM_THREAT_2, "g1g7", false}, // the king takes
-        {pNearKing, FFM_THREAT_1, "g5f7", false},
-        {pNearKing, FFM_THREAT_1, "g5f7", true, "", true},
-        {pNearKing, FFM_CHECK_ONLY, "g5f7", false, "", true},
-        {pTwoQueens, FFM_CHECK_ONLY, "h2h8", true},
-    };
-    for (const TCase& c : aCases) {
-        const auto position = Position(c.m_pFen);
-        TMove previous{}, move{};
-        for (const TMove& legal : LegalMoves(position->board)) {
-            if (MoveText(legal) == c.m_pPrevious)
-                previous = legal;
-            if (MoveText(legal) == c.m_pMove)
-                move = legal;
-        }
-        ASSERT_FALSE(move.IsNull()) << c.m_pMove;
-        EXPECT_EQ(List(position->board, c.m_nLevel, previous, c.m_bAddCaptures).Has(move),
-                  c.m_bListed)
-            << c.m_pFen << " " << c.m_pMove << " " << c.m_nLevel;
-    }
-}
-
 TEST(ForcedMate, RefusesSettingsWithoutASearch)
 {
     const std::string strText =

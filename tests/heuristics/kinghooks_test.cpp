@@ -295,18 +295,6 @@ TEST(KingHooks, CasesOfTheRules)
     }
 }
 
-/// A mate that one heuristic has proved ends the hook: the next one would have cut.
-TEST(KingHooks, AMateEndsTheHook)
-{
-    const auto ask = [](std::uint32_t nHeuristics) {
-        THookLine line("3k4/8/3K4/8/8/8/R7/8 w - - 0 1", 9, "a2a1 d8e8", nHeuristics);
-        line.m_context.m_bSurroundedStrict = true;
-        return AskBlackHook(line);
-    };
-    EXPECT_EQ(ask(SURROUND), HOOK_DOUBTFUL);
-    EXPECT_EQ(ask(SURROUND | EDGE), HOOK_PASSES);
-}
-
 TEST(KingHooks, AStoppedMateTestDecidesNothing)
 {
     THookLine line("4k3/8/8/8/8/8/R7/4K3 w - - 0 1", 9, "a2a3 e8f8", EDGE);
@@ -344,39 +332,6 @@ TEST(KingHooks, ViolationsWaitForADeadline)
         EXPECT_EQ(AskBlackHook(line, &move), test.m_nExpected) << test.m_pFen;
         EXPECT_EQ((move.m_promotion & TMove::MARK) != 0, test.m_nDeadline > 0);
         EXPECT_EQ(line.m_context.m_nDeferDeadline, test.m_nDeadline);
-    }
-}
-
-TEST(KingHooks, CornersReachAsFarAsTold)
-{
-    const struct
-    {
-        int m_nDistance;
-        std::size_t m_nSquares;
-        const char* m_pInside;
-        const char* m_pOutside;
-    } aCases[] = {{0, 4, "a1 h8", "a2"},
-                  {-1, 16, "a1 b1 a2 b2 g7", "c1"},
-                  {-2, 36, "c3", "d1"},
-                  {1, 12, "b1", "b2"},
-                  {3, 40, "a4 c2 b3", "d2"}};
-    for (const auto& test : aCases) {
-        std::string strAccepted;
-        for (int square = 0; square < 64; ++square) {
-            THookLine line("k7/8/8/8/8/8/8/7K w - - 0 1", 5, "pass", SH_KEEPKINGNEARCORNER);
-            TChessboard& child = line.m_context.MakeChild(*line.m_pLast);
-            child.m_blackKingFile = static_cast<std::int8_t>(FileOf(square));
-            child.m_blackKingRow = static_cast<std::int8_t>(RowOf(square));
-            --child.m_nMoves;
-            line.m_context.m_nCornerDistance = static_cast<std::int8_t>(test.m_nDistance);
-            if (AskHeuristics(child, nullptr) == HOOK_PASSES)
-                strAccepted += std::string() + static_cast<char>('a' + FileOf(square)) +
-                               static_cast<char>('1' + RowOf(square)) + ' ';
-        }
-        EXPECT_EQ(strAccepted.size(), 3 * test.m_nSquares) << strAccepted;
-        for (const std::string& strSquare : Split(test.m_pInside, ' '))
-            EXPECT_NE(strAccepted.find(strSquare), std::string::npos) << strSquare;
-        EXPECT_EQ(strAccepted.find(test.m_pOutside), std::string::npos) << test.m_pOutside;
     }
 }
 
@@ -542,43 +497,6 @@ TEST(KingHooks, SurroundCountAgreesWithPlainLoops)
             EXPECT_LE(CountSurroundFree(board, nLimit, rule), nSlow) << WriteFen(board, true);
     }
     EXPECT_GT(nLowered, 50);
-}
-
-TEST(KingHooks, CasesAfterWhitesMove)
-{
-    struct TWhiteCase
-    {
-        const char* m_pName;
-        const char* m_pFen;
-        const char* m_pMove;
-        bool m_bStrict;
-        std::uint16_t m_nFlags;
-        bool m_bDoubtful;
-    };
-    constexpr std::uint16_t FEW = TChessboard::POSITION_FEWFIGURES;
-    constexpr std::uint16_t BARE = TChessboard::POSITION_BAREBLACKKING;
-    const TWhiteCase aCases[] = {
-        {"strict, three free", "3k4/8/4K3/8/8/8/1R6/8 w - - 0 1", "b2a2", true, 0, true},
-        {"strict, two free", "3k4/8/4K3/8/8/8/2R5/8 w - - 0 1", "c2c1", true, 0, false},
-        {"three free", "3k4/8/4K3/8/8/8/1B6/8 w - - 0 1", "b2a1", false, 0, true},
-        {"three free in check", "3k4/8/4K3/8/8/8/1B6/8 w - - 0 1", "b2f6", false, 0, false},
-        {"figure captured", "3k4/8/4K3/8/8/8/1B6/n7 w - - 0 1", "b2a1", false, 0, false},
-        {"few minor figures", "3k4/8/4K3/8/8/8/1B6/8 w - - 0 1", "b2a1", false, FEW, false},
-        {"bare king", "3k4/8/4K3/8/8/8/1B6/8 w - - 0 1", "b2a1", false, BARE, false},
-        {"queen captured", "3k4/8/8/8/8/8/1Q6/q2K4 w - - 0 1", "b2a1", false, 0, false},
-        {"queen far off", "8/8/3k4/8/8/8/1Q6/3K4 w - - 0 1", "b2a1", false, 0, true},
-    };
-    for (const TWhiteCase& test : aCases) {
-        SCOPED_TRACE(test.m_pName);
-        std::string strFen = test.m_pFen;
-        THookLine line(strFen, 9, test.m_pMove, SURROUND);
-        line.m_context.m_bSurroundedStrict = test.m_bStrict;
-        line.m_pLast->m_nPositionFlags = test.m_nFlags;
-        const TState before(line);
-        EXPECT_EQ(IsWhiteMoveDoubtful(*line.m_pLast), test.m_bDoubtful);
-        EXPECT_EQ(TState(line), before);
-        EXPECT_EQ(line.Cuts(), test.m_bDoubtful);
-    }
 }
 
 } // namespace

@@ -154,53 +154,6 @@ TEST(SeaSnake, PawnPromotesWhereThePendulumHasGone)
     }
 }
 
-TEST(SeaSnake, NewQueenThatNobodyAttacksIsDoubtful)
-{
-    constexpr const char* FEN = "k7/Pp6/1P6/8/3K1p2/4p1p1/4p1pB/5b2";
-    const struct
-    {
-        const char* m_pMoves;
-        int m_nNesting;
-        int m_nAnswer;
-    } aCases[] = {
-        {"Kd4-d5 e2-e1Q", 0, HOOK_DOUBTFUL},
-        {"Kd4-d5 e2-e1Q", 1, HOOK_PASSES}, // a short mate search is open
-        {"Kd4-d5 g2-g1Q", 0, HOOK_PASSES}, // the bishop takes her
-        {"Bh2:g3 g2-g1Q", 0, HOOK_DOUBTFUL},
-        {"Kd4-d5 f4-f3", 0, HOOK_PASSES},
-    };
-    for (const auto& test : aCases) {
-        TRootUnder root(BoardOf(FEN), "SH_SEASNAKE", 21);
-        TChessboard& board = root.Play(test.m_pMoves);
-        root.t.context.m_nQuickerMateNesting = static_cast<std::uint8_t>(test.m_nNesting);
-        EXPECT_EQ(IsBlackMoveDoubtful(board, nullptr), test.m_nAnswer) << test.m_pMoves;
-        if (test.m_nAnswer == HOOK_DOUBTFUL) {
-            EXPECT_EQ(root.t.context.m_nDoubtReason, 0x8000000u);
-        }
-    }
-}
-
-TEST(SeaSnake, AnalysisTakesTheForcedMateOut)
-{
-    const struct
-    {
-        const char* m_pFen;
-        bool m_bSafe; ///< the first of two Black pawns on a file has no free way
-    } aCases[] = {{SNAKE, false}, {"8/8/p5pp/rp4pk/1p4pp/p3K2P/P7/8", true}};
-    for (const auto& test : aCases) {
-        TSolveRequest request;
-        TChessboard& root = *request.m_pChessboard;
-        root = BoardOf(test.m_pFen);
-        request.SetMateIn(12);
-        root.m_pRequest = &request;
-        root.CheckStartPosition(request.m_nRequestedMoves, true);
-        const TPositionAnalysis analysis = CheckPositionType(root);
-        EXPECT_TRUE(analysis.m_set.m_nHeuristics & SH_SEASNAKE) << test.m_pFen;
-        EXPECT_FALSE(analysis.m_set.m_nHeuristics & SH_FINDFORCEDMATE);
-        EXPECT_EQ(analysis.m_bSafeMode, test.m_bSafe) << test.m_pFen;
-    }
-}
-
 /// All solutions, in a pass under the set alone or without any.
 struct TSolved
 {

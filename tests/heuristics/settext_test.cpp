@@ -76,59 +76,6 @@ TEST(SetText, DamagedTextsAreRefusedOrMeanSomething)
 constexpr const char* BOARD = "7k/5p2/5r2/7n/3B3q/8/4b3/K6R";
 constexpr const char* PINS = "7k/5p2/5r2/7n/3B4/8/4b3/K6R";
 
-TEST(SetText, FormsOfTheParts)
-{
-    struct TCase
-    {
-        const char* m_pRead;
-        const char* m_pWritten; ///< null: the same
-    };
-    const TCase aCases[] = {
-        {"none", nullptr},
-        {"SH_KEEPKINGONTHEEDGE", nullptr},
-        {"SH_KEEPKINGONTHEEDGE(incl.corner,C2f,A,D3,M17)", nullptr},
-        {"sh_dontletkingmove", "SH_DONTLETKINGMOVE"},
-        {"SH_KEEPKINGONTHEEDGE(strict)", "SH_DONTLETKINGMOVE"},
-        {"SH_KEEPKINGONTHEEDGE ( ALMOST_STRICT )", "SH_DONTLETKINGMOVE(excptns)"},
-        {"SH_KEEPKINGONTHEEDGE(STRICT,incl.corner)", "SH_DONTLETKINGMOVE(incl.corner)"},
-        {"SH_DONTLETKINGMOVE(excptns, incl.corner, C1)",
-         "SH_DONTLETKINGMOVE(excptns,incl.corner,C1)"},
-        {"SH_KEEPKINGWITHINEXTEDGE(C1,incl.corner,strict)", nullptr},
-        {"SH_KEEPKINGONTHEEDGE, SH_KEEPKINGWITHINEXTEDGE(A)", nullptr},
-        {"SH_KEEPKINGNEARCORNER(3S)", nullptr},
-        {"SH_KEEPKINGNEARCORNER(2m)", "SH_KEEPKINGNEARCORNER(2M)"},
-        {"SH_ONECOLORPLAYPOSSIBLE(SeparatedBlackBishop)", nullptr},
-        {"SH_DONTLETFIGUREUNBLOCK(eff,e2, F7)", "SH_DONTLETFIGUREUNBLOCK(EFF,E2,F7)"},
-        {"SH_DONTLETFIGUREUNBLOCK (CannotApplyDLFUDynamically)", nullptr},
-        {"SH_FINDFORCEDMATE(#1+-WithOtherHeuristics)", nullptr},
-        {"SH_FINDFORCEDMATE(CheckOnly-Preliminary-Custom)", nullptr},
-        {"SH_KEYLINE(c), SH_KEYDIAGONAL(A1-)", "SH_KEYLINE(C), SH_KEYDIAGONAL(A1-)"},
-        {"SH_DONTLOSEANYFIGURES(incl.pawnsBeforePromo)", nullptr},
-        {"SH_SAVEQUEEN/ROOK, SH_3MOVESTOMATE", nullptr},
-        {"SH_SEASNAKE(C3,,12)", nullptr},
-        {"SH_SEASNAKE", "SH_SEASNAKE(,)"},
-        {"SH_DONTLEAVEMAINDIAGONAL", nullptr},
-        {"SH_KEYWHITEFIGURE(D4)", nullptr},
-        // In the order of the bits, whatever the order of the text.
-        {"SH_SEASNAKE(,), SH_AREKINGSNEAR", "SH_AREKINGSNEAR, SH_SEASNAKE(,)"},
-    };
-    TTestLine line(PINS, 41);
-    TSetPosition t(line.board);
-    for (const TCase& test : aCases) {
-        THeuristicSet set;
-        ASSERT_NO_THROW(ReadHeuristicsText(test.m_pRead, set, &t.board)) << test.m_pRead;
-        t.Apply(set);
-        EXPECT_EQ(GetHeuristicsText(t.board, false),
-                  test.m_pWritten ? test.m_pWritten : test.m_pRead);
-    }
-    EXPECT_EQ(t.context.m_keySquare, NO_KEY_SQUARE);
-    EXPECT_EQ(GetHeuristicName(0x100), "...");
-    t.board.m_nHeuristics = SH_AREKINGSNEAR;
-    EXPECT_EQ(GetHeuristicsText(t.board, true), "SH_AREKINGSNEAR, QuickMode");
-    t.request.m_bSafeMode = true;
-    EXPECT_EQ(GetHeuristicsText(t.board, true), "SH_AREKINGSNEAR");
-}
-
 TEST(SetText, KeyFigureNeedsWhatItPins)
 {
     TTestLine line(PINS, 41);

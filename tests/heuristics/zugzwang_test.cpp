@@ -149,37 +149,5 @@ TEST(ZugzwangMap, WhiteComesBackAndBlackWaits)
 
 // Texts
 
-TEST(ZugzwangTexts, SquaresMakeSense)
-{
-    TChessboard board = BoardOf(SNAKE);
-    const struct
-    {
-        const char* m_pText;
-        const char* m_pError; ///< how it begins; null: none
-    } aCases[] = {
-        {"SH_SEASNAKE(E4,D4,0,F3-F2)", nullptr},
-        {"SH_SEASNAKE(,,F3-F2)", nullptr},
-        {"SH_SEASNAKE(E4,D4,F3-F3)", "Invalid parameter of SH_SEASNAKE"},
-        {"SH_SEASNAKE(E4,D4,0,F3-)", "Invalid parameter of SH_SEASNAKE"},
-        {"SH_SEASNAKE(E4,D4,200)", "Invalid parameter of SH_SEASNAKE"},
-        {"SH_ZUGZWANGTRIANGLES(D4,D5,E5)", nullptr},
-        {"SH_ZUGZWANGTRIANGLES(D4,D5)", "Invalid parameter of SH_ZUGZWANGTRIANGLES"},
-        {"SH_ZUGZWANGTRIANGLES(D4,D5,D4)", "Invalid parameter of SH_ZUGZWANGTRIANGLES"},
-        {"SH_ZUGZWANGTRIANGLES(F2,F3,F4)", "Invalid parameter of SH_ZUGZWANGTRIANGLES"},
-    };
-    for (const auto& test : aCases) {
-        THeuristicSet set;
-        const std::string strError =
-            FailureText([&] { ReadHeuristicsText(test.m_pText, set, &board); });
-        EXPECT_EQ(strError.empty(), test.m_pError == nullptr) << test.m_pText << strError;
-        EXPECT_TRUE(strError.starts_with(test.m_pError ? test.m_pError : "")) << strError;
-    }
-    // What the user leaves out is found on the board.
-    const TRootUnder told(board, "SH_SEASNAKE(E4,,0,F3-F2)", 11);
-    EXPECT_EQ(told.t.context.m_pendulumFigure, BLACK_ROOK);
-    EXPECT_GT(told.t.context.m_nWalkSquares, 2);
-    EXPECT_FALSE(told.t.context.m_bSeaSnakeAnalysed);
-}
-
 } // namespace
 } // namespace corvina
