@@ -71,17 +71,16 @@ int AskCustomTable(const TChessboard&)
     return GLOBAL_REGISTER_UNKNOWN;
 }
 
-std::vector<TMove> FindSingleQueenMates(const TChessboard& root)
+std::optional<TMove> FindSingleQueenMate(const TChessboard& root)
 {
     if (!(root.m_nHeuristics & SH_SINGLEQUEENMATE))
-        return {};
+        return std::nullopt;
     TThreadContext context(root.m_nInitialMoves);
     TChessboard board = root;
     board.m_nHeuristics = SH_SINGLEQUEENMATE;
     PutOnThread(board, context);
     TMoveList moves;
     int nMoves = board.GenerateWhiteMoves(moves.data());
-    std::vector<TMove> vecKeys;
     for (int nDepth = 3; nDepth <= root.m_nMoves && context.m_nPositions < MAX_POSITIONS;
          nDepth += 2) {
         board.m_nMoves = static_cast<std::uint16_t>(nDepth);
@@ -91,12 +90,10 @@ std::vector<TMove> FindSingleQueenMates(const TChessboard& root)
                    SearchBlack<NODE_MAIN>(child) == RESULT_MATE;
         };
         TMove* const pMate = std::find_if(moves.data(), moves.data() + nMoves, mates);
-        if (pMate == moves.data() + nMoves)
-            continue;
-        vecKeys.push_back(*pMate);
-        break;
+        if (pMate != moves.data() + nMoves)
+            return *pMate;
     }
-    return vecKeys;
+    return std::nullopt;
 }
 
 } // namespace corvina

@@ -5,7 +5,7 @@
 #include "heuristics/heuristicbits.h"
 #include "search/solverequest.h"
 
-#include <vector>
+#include <optional>
 
 /// SH_SINGLEQUEENMATE: nothing moves but White's queen and the kings, the rest holds each other up
 /// and walls off cul-de-sacs in which the queen mates. A White king who holds up a pawn stays.
@@ -35,9 +35,9 @@ inline bool FreesHeldPawn(const TChessboard& board, const TMove& move)
 /// GLOBAL_REGISTER_UNKNOWN: there is no such table.
 int AskCustomTable(const TChessboard& board);
 
-/// First moves of the root that mate by searches under this heuristic alone, at growing depth as
+/// A first move of the root that mates by a search under this heuristic alone, at growing depth as
 /// long as that is quickly done.
-std::vector<TMove> FindSingleQueenMates(const TChessboard& root);
+std::optional<TMove> FindSingleQueenMate(const TChessboard& root);
 
 } // namespace corvina
 

@@ -49,7 +49,7 @@ struct TRun
           m_scouting(root.m_pRequest->m_bProofSearch && !root.m_pRequest->m_bPlain &&
                          root.m_nMoves >= MIN_SCOUTED_PLIES &&
                          (root.m_pRequest->m_nSearchMode & SEARCH_FIRST),
-                     nThreads)
+                     std::min<int>(nThreads, root.m_pRequest->m_nThreads))
     {
     }
 
@@ -565,9 +565,9 @@ std::vector<TMove> MovesLeftByPreRuns(TChessboard& root)
     }
     if (const auto key = FindPinnedRookMate(root))
         take(*key);
-    for (const TMove& key : FindSingleQueenMates(root)) {
+    if (const auto key = FindSingleQueenMate(root)) {
         ++request.m_nSingleQueenMates;
-        take(key);
+        take(*key);
     }
     const bool bEnough = !request.m_vecSolutions.empty() &&
                          ((request.m_nSearchMode & SEARCH_FIRST) || HasEnoughSolutions(request));

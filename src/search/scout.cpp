@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <new>
+#include <thread>
 #include <utility>
 
 namespace corvina
@@ -35,6 +36,8 @@ constexpr int SIDE_SEARCHES = 2;
 
 /// Positions of a slice.
 constexpr std::uint64_t SLICE = 100'000;
+
+constexpr auto REST = std::chrono::milliseconds(5);
 
 } // namespace
 
@@ -91,13 +94,19 @@ bool TScout::SearchSlice()
 
 bool TScout::TrySlice()
 {
-    if (!m_search) {
+    const bool bRests = m_context.m_nThreadId >= m_scouting.m_nScouts;
+    if (!m_search && !bRests) {
         if (TProofTable* pTable = m_scouting.Table())
             m_search.emplace(m_root, *pTable, m_context.m_nThreadId);
     }
-    if (!m_search || m_scouting.m_bEnded || m_root.m_pRequest->IsStopped(m_context.m_nThreadId)) {
+    if ((!m_search && !bRests) || m_scouting.m_bEnded ||
+        m_root.m_pRequest->IsStopped(m_context.m_nThreadId)) {
         m_context.m_pScout = nullptr;
         return false;
+    }
+    if (bRests) {
+        std::this_thread::sleep_for(REST);
+        return true;
     }
     if (TrySideSearch())
         return !m_scouting.m_bEnded;

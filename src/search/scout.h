@@ -15,7 +15,8 @@
 namespace corvina
 {
 
-/// What the scouts of a run share.
+/// What the scouts of a run share. The scouts of the first nScouts threads search; a thread beyond
+/// them, which the machine may have no core for, rests for so long, and leaves them the time.
 class TScouting
 {
 public:
