@@ -100,7 +100,8 @@ bool TScout::TrySlice()
             m_search.emplace(m_root, *pTable, m_context.m_nThreadId);
     }
     if ((!m_search && !bRests) || m_scouting.m_bEnded ||
-        m_root.m_pRequest->IsStopped(m_context.m_nThreadId)) {
+        m_root.m_pRequest->IsStopped(m_context.m_nThreadId))
+    {
         m_context.m_pScout = nullptr;
         return false;
     }
