@@ -12,6 +12,7 @@
 #include <nlohmann/json.hpp>
 
 #include <cstdio>
+#include <map>
 
 namespace corvina
 {
@@ -63,12 +64,6 @@ void ApplyThreads(const TSolveOptions& options, TSolveRequest& request, TRunSett
         request.m_shRequestedSchedulerLevels =
             static_cast<std::int16_t>(options.m_nSchedulerLevels);
     settings.m_nSchedulerLevels = 0;
-    request.OnForceThreads = [](int nThreads) {
-        std::fprintf(stderr,
-                     "Engine wants to force a different number of threads (%d): accepted.\n",
-                     nThreads);
-        return true;
-    };
 }
 
 /// Reads the text of --indications. Throws ChessException that tells where the fault is.
@@ -87,24 +82,28 @@ TSortIndications ReadIndications(const std::string& strText)
 }
 
 /// Says which heuristics of the set don't cut anything.
-void NoteWithoutEffect(const THeuristicSet& set)
+void NoteWithoutEffect(const THeuristicSet& set, TProgressOutput& output)
 {
     for (std::uint32_t nRest = set.m_nHeuristics & ~IMPLEMENTED_HEURISTICS; nRest;
          nRest &= nRest - 1)
-        std::fprintf(stderr, "Note: %s has no test in this version and cuts nothing.\n",
-                     GetHeuristicName(nRest & -nRest).c_str());
+        output.Print("Note: " + GetHeuristicName(nRest & -nRest) +
+                     " has no test in this version and cuts nothing.");
 }
 
-void PrintPass(const TPassReport& report)
+std::string PassText(const TPassReport& report)
 {
-    std::fprintf(stderr, "Pass %s: %s; %u first moves decided, %.3f s\n", report.m_strName.c_str(),
-                 report.m_strSet.c_str(), report.m_nDecided, report.m_dSeconds);
+    char text[64];
+    std::snprintf(text, sizeof text, "; %u first moves decided, %.3f s", report.m_nDecided,
+                  report.m_dSeconds);
+    return "Pass " + report.m_strName + ": " + report.m_strSet + text;
 }
 
-void PrintAnalysisShare(double dAnalysis, double dRun)
+std::string AnalysisShare(double dAnalysis, double dRun)
 {
-    std::fprintf(stderr, "Analysis: %.3f s, %.1f %% of the run\n", dAnalysis,
-                 dRun > 0 ? 100 * dAnalysis / dRun : 0.0);
+    char text[64];
+    std::snprintf(text, sizeof text, "Analysis: %.3f s, %.1f %% of the run", dAnalysis,
+                  dRun > 0 ? 100 * dAnalysis / dRun : 0.0);
+    return text;
 }
 
 } // namespace
@@ -153,6 +152,20 @@ void AddSolveOptions(CLI::App& command, TSolveOptions& options)
         },
         "moves of White to try early, or late with ~, as in \"1.Qa1-a8, R:d5+, ~2.Ke2\"; the form "
         "is that of problem files (those of the problem)");
+    command
+        .add_option("--progress", options.m_progress,
+                    "what standard error shows of a run each second: auto: a live line on a "
+                    "terminal; json: an object on a line; none")
+        ->transform(CLI::CheckedTransformer(
+            std::map<std::string, EProgressForm>{{"auto", EProgressForm::Auto},
+                                                 {"json", EProgressForm::Json},
+                                                 {"none", EProgressForm::None}},
+            CLI::ignore_case))
+        ->default_str("auto");
+    command.add_flag("--log-moves", options.m_bLogMoves,
+                     "each thread writes all that it analyses to MovesLogger_problem<number>_"
+                     "thread<number>.log in the working folder (as the option LogMoves): slow, and "
+                     "the files grow large");
     command.add_flag("--no-register", options.m_bNoRegister,
                      "search without memory of positions, for comparison");
     command.add_flag("--verify", options.m_bVerify,
@@ -167,31 +180,29 @@ TSolveOutcome SolveWithOptions(TSolveRequest& request, const TSolveOptions& opti
     request.m_pChessboard->CheckFigureLimits(nullptr, options.m_bJson ? stderr : stdout);
     TRunSettings settings = ApplyOptions(options.m_programOptions, request);
     settings.m_bStopAtFirstSolution = options.m_bFirst;
+    TProgressOutput output(request, options.m_progress);
     ApplyThreads(options, request, settings);
+    request.m_bLogMoves = options.m_bLogMoves || options.m_programOptions.m_bLogMoves;
     request.m_bPlain = options.m_bPlain;
     request.m_bUseRegister = !options.m_bNoRegister;
     if (options.m_indications)
         request.m_sortIndications = *options.m_indications;
     ApplySetOptions(request, options);
-    NoteWithoutEffect(request.m_heuristicSet);
-    request.OnMessage = [](const std::string& strText) {
-        std::fprintf(stderr, "%s\n", strText.c_str());
-    };
+    NoteWithoutEffect(request.m_heuristicSet, output);
     request.OnPassEnd = [&](const TPassReport& report) {
         vecPasses.push_back(report);
         // A run of the last pass alone is nothing to tell.
         if (request.m_heuristicSet.m_nHeuristics != 0 && !options.m_bPlain)
-            PrintPass(report);
+            output.Print(PassText(report));
     };
 
     const auto pWatchdog = StopAfter(request, options.m_dSeconds);
     const TSolveOutcome outcome = Solve(request, settings);
     if (request.m_analysisSeconds)
-        PrintAnalysisShare(*request.m_analysisSeconds, outcome.m_elapsed.count());
+        output.Print(AnalysisShare(*request.m_analysisSeconds, outcome.m_elapsed.count()));
     if (request.m_bFoundByScout)
-        std::fprintf(stderr, "Scout: 1.%s proved, %llu positions\n",
-                     PrintMove(outcome.m_vecSolutions[0], *request.m_pChessboard).c_str(),
-                     static_cast<unsigned long long>(request.m_nScoutPositions));
+        output.Print("Scout: 1." + PrintMove(outcome.m_vecSolutions[0], *request.m_pChessboard) +
+                     " proved, " + std::to_string(request.m_nScoutPositions) + " positions");
     return outcome;
 }
 
@@ -324,7 +335,7 @@ void AddResultTo(nlohmann::ordered_json& line, const TSolveRequest& request,
         line["scout"] = {{"positions", request.m_nScoutPositions},
                          {"proved", request.m_bFoundByScout}};
     line["seconds"] = outcome.m_elapsed.count();
-    line["positions"] = request.m_nPositions;
+    line["positions"] = request.m_nPositions.load();
 }
 
 void PrintNotes(const TSolveRequest& request, const TSolveOutcome& outcome,

@@ -2,6 +2,7 @@
 #define CORVINA_CLI_SOLVING_H
 
 #include "app/options.h"
+#include "cli/progressoutput.h"
 #include "search/verify.h"
 
 #include <nlohmann/json_fwd.hpp>
@@ -40,6 +41,8 @@ struct TSolveOptions
     /// Threads, "N" or "N^L" with L levels of multithreading; empty: what the problem asks for, or
     /// one.
     std::string m_strThreads;
+    EProgressForm m_progress = EProgressForm::Auto;
+    bool m_bLogMoves = false;    ///< as the option LogMoves
     int m_nSchedulerLevels = -1; ///< -1: what the problem asks for, or none
     TOptions m_programOptions;
 };

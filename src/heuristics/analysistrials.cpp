@@ -57,7 +57,7 @@ public:
 private:
     TSolveRequest& m_request;
     const bool m_bSafeMode, m_bUseRegister;
-    std::function<void(const TChessboard&)> m_onPosition;
+    decltype(TSolveRequest::OnPositionAnalysed) m_onPosition;
 };
 
 /// Keeps the record and the parameters of an analysis during a trial, with the state that searches

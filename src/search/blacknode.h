@@ -6,6 +6,7 @@
 #include "heuristics/triangles.h"
 #include "search/blackcuts.h"
 #include "search/blacksort.h"
+#include "search/movelog.h"
 #include "search/ordering.h"
 #include "search/registeraccess.h"
 #include "search/servestop.h"
@@ -152,14 +153,27 @@ private:
             return RESULT_MATE;
         m_bHasReply |= CountsAsReply(m_board, move);
         ++m_context.m_nPositions;
+        if (m_context.m_bLogging)
+            LogMove(child, &move, true);
+        const TSearchResult nResult = ResultOfReply(child, move);
+        if (m_context.m_bLogging)
+            LogResult(child, nResult);
+        return nResult;
+    }
+
+    TSearchResult ResultOfReply(TChessboard& child, TMove& move)
+    {
         if (TKind::VerifiesHeuristics(child)) {
             const TSearchResult nResult = ResultOfBlackHook(child, move);
             if (nResult != RESULT_MATE)
                 return nResult;
         }
         if (!m_bProbed && UsesRegister(child)) {
-            if (const auto known = ProbeRegister(child))
+            if (const auto known = ProbeRegister(child)) {
+                if (*known == RESULT_MATE && m_context.m_bLogging)
+                    LogText(child, "Mate found (pos.in temp.reg.)");
                 return *known;
+            }
         }
         if ((child.m_nHeuristics & (SH_ONECOLORPLAYPOSSIBLE | SH_ZUGZWANGTRIANGLES)) &&
             child.m_nPass == 1)
@@ -170,8 +184,12 @@ private:
     TSearchResult Answer(TChessboard& child, bool bShortMate)
     {
         m_context.m_bSkipEqualPromotions = false;
-        if (bShortMate)
+        if (bShortMate) {
+            if (m_context.m_bLogging && m_context.m_bAdditionalMovesUsed)
+                LogText(child, "QuickerMate with AdditionalMoves found (with glob.reg./Nalimov "
+                               "lookup)");
             return RESULT_MATE;
+        }
         if (m_nDepth >= MIN_UNBLOCK_DEPTH && TriesUnblock(child) &&
             SearchWithBlockedFigures(child, TKind::SearchWhite) == RESULT_MATE)
             return RESULT_MATE;

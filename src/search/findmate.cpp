@@ -9,11 +9,13 @@
 #include "search/forcethreads.h"
 #include "search/hooks.h"
 #include "search/levels.h"
+#include "search/movelog.h"
 #include "search/nodes.h"
 #include "search/onecolourrun.h"
 #include "search/ordering.h"
 #include "search/pinnedrook.h"
 #include "search/plainsearch.h"
+#include "search/progress.h"
 #include "search/rootsetup.h"
 #include "search/scheduler.h"
 #include "search/scout.h"
@@ -59,14 +61,12 @@ struct TRun
     TPassBook m_passes;
     TScouting m_scouting;
     std::atomic<bool> m_bFoundEnough{false}; ///< the mode asks for no more solutions
-    std::atomic<std::uint64_t> m_nPositions{0};
     std::atomic<std::uint64_t> m_nScoutPositions{0};
     std::atomic<bool> m_bFoundByScout{false};
     std::array<std::uint64_t, 32> m_anCuts{}; ///< guarded by m_mutex
 
     void AddCounts(const TThreadContext& context)
     {
-        m_nPositions += context.m_nPositions;
         const std::lock_guard guard(m_mutex);
         for (std::size_t i = 0; i < m_anCuts.size(); ++i)
             m_anCuts[i] += context.m_anCuts[i];
@@ -94,6 +94,7 @@ public:
         m_context.m_nWatchDepth = WatchDepth(m_board);
         m_context.m_nSpawnWidth = m_request.m_nThreads > 1 ? m_request.m_nThreads : 0;
         m_context.m_nPriority = m_request.m_nThreadPriority;
+        m_context.m_bLogging = m_request.m_bLogMoves;
         PutOnThread(m_board, m_context);
         if (m_run.m_scouting.IsWanted())
             m_scout.emplace(m_run.m_root, m_run.m_scouting, m_context,
@@ -117,7 +118,11 @@ public:
             m_context.m_nPositions += m_scout->Positions();
             m_run.m_nScoutPositions += m_scout->Positions();
         }
+        m_context.m_pScout = nullptr;
+        PublishPositions(m_request, m_context, 0);
         m_run.AddCounts(m_context);
+        if (m_request.OnPositionAnalysed)
+            m_request.OnPositionAnalysed(nullptr, m_context);
         ++m_request.m_nRunningThreads;
     }
 
@@ -152,6 +157,7 @@ private:
             }
             // In the last pass a second thread at one move is no help.
             if (!IsInLastPass() || !pick->m_bShared) {
+                m_bShares = pick->m_bShared;
                 if (IsInLastPass() && pick->m_nIndex + 1 == m_run.m_table.Size())
                     m_request.m_bLastMoveStarted = true;
                 return pick->m_nIndex;
@@ -249,7 +255,10 @@ private:
             m_context.m_bSuspendResume = false;
             m_request.ResumeThread(m_context.m_nThreadId);
         }
-        if (!m_run.m_table.Record(nIndex, nResult))
+        const bool bDecided = m_run.m_table.Record(nIndex, nResult);
+        if (bDecided || (nResult == RESULT_DOUBTFUL && !m_bShares))
+            UpdatePercent(m_request);
+        if (!bDecided)
             return;
         m_run.m_passes.CountDecision(m_nRound);
         if (nResult == RESULT_MATE)
@@ -271,6 +280,7 @@ private:
     {
         if (!m_run.m_table.RecordMate(key))
             return;
+        UpdatePercent(m_request);
         m_run.m_passes.CountDecision(m_nRound);
         m_run.m_bFoundByScout = true;
         OnSolution(key);
@@ -335,6 +345,16 @@ private:
         if (!child.MakeWhiteMove(&move))
             return RESULT_NO_MATE;
         ++m_context.m_nPositions;
+        if (m_context.m_bLogging)
+            LogMove(child, &move, true);
+        const TSearchResult nResult = AnalyseChild(child);
+        if (m_context.m_bLogging)
+            LogResult(child, nResult);
+        return nResult;
+    }
+
+    TSearchResult AnalyseChild(TChessboard& child)
+    {
         if (IsCutAfterWhiteMove(child))
             return RESULT_DOUBTFUL;
         if (m_request.m_bPlain)
@@ -361,7 +381,8 @@ private:
     TThreadContext m_context;
     std::optional<TScout> m_scout;
     std::uint8_t m_nRound = 0;
-    int m_nDescribed = -1; ///< the last round whose pass the thread has told
+    bool m_bShares = false; ///< another thread is at work on the first move too
+    int m_nDescribed = -1;  ///< the last round whose pass the thread has told
 };
 
 /// A thread that never came to its work.
@@ -592,9 +613,11 @@ std::int8_t FindMate(TChessboard& root, std::vector<TMove>& vecResult)
     TRun run(root, MovesLeftByPreRuns(root),
              std::clamp<int>(request.m_nEffectiveThreads, 1, MAX_ROOT_THREADS));
     request.m_nFirstMovesTotal = static_cast<std::uint32_t>(run.m_table.Size());
+    request.m_nFirstMovesDone = 0;
+    request.m_fPercent = 0;
+    request.m_nPositions = 0;
     RunThreads(run);
 
-    request.m_nPositions = run.m_nPositions;
     request.m_nScoutPositions = run.m_nScoutPositions;
     request.m_bFoundByScout = run.m_bFoundByScout;
     request.m_anCuts = run.m_anCuts;

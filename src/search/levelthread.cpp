@@ -165,6 +165,8 @@ private:
             thread.m_outcome = {};
             thread.m_outcome.m_bGivenUp = true;
         }
+        if (m_request.OnPositionAnalysed)
+            m_request.OnPositionAnalysed(nullptr, *thread.m_pContext);
         const std::lock_guard guard(m_mutex);
         thread.SetState(TLevelThread::FINISHED);
         if (m_request.m_bBruteForce)

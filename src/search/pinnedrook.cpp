@@ -4,6 +4,7 @@
 #include "heuristics/attacksets.h"
 #include "heuristics/heuristicbits.h"
 #include "search/hooks.h"
+#include "search/movelog.h"
 #include "search/nodes.h"
 #include "search/rootsetup.h"
 #include "search/shortmate.h"
@@ -25,7 +26,7 @@ class TSolverState
 {
 public:
     explicit TSolverState(TThreadContext& context)
-        : m_context(context), m_nNesting(context.m_nQuickerMateNesting),
+        : m_context(context), m_logOff(context), m_nNesting(context.m_nQuickerMateNesting),
           m_shAdditionalMoves(context.m_shAdditionalMoves),
           m_bAdditionalMovesUsed(context.m_bAdditionalMovesUsed),
           m_nRootDepth(context.m_nQuickerMateRootDepth), m_pRoot(context.m_pQuickerMateRoot)
@@ -50,6 +51,7 @@ public:
 
 private:
     TThreadContext& m_context;
+    const TLogOff m_logOff;
     const std::uint8_t m_nNesting;
     const std::uint16_t m_shAdditionalMoves;
     const bool m_bAdditionalMovesUsed;

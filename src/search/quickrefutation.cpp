@@ -5,6 +5,7 @@
 #include "heuristics/lastmoves.h"
 #include "search/blackcuts.h"
 #include "search/line.h"
+#include "search/movelog.h"
 #include "search/ordering.h"
 #include "search/registeraccess.h"
 #include "search/shortmate.h"
@@ -211,7 +212,8 @@ int ChooseDepth(const TChessboard& child)
 class TRefutationNesting
 {
 public:
-    explicit TRefutationNesting(const TChessboard& child) : m_context(ContextOf(child))
+    explicit TRefutationNesting(const TChessboard& child)
+        : m_context(ContextOf(child)), m_logOff(m_context)
     {
         if (++m_context.m_nRefutationNesting == 1)
             m_context.m_pRefutationRoot = &child;
@@ -222,6 +224,7 @@ public:
 
 private:
     TThreadContext& m_context;
+    const TLogOff m_logOff;
 };
 
 /// White mates in one or two moves.

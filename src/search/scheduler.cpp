@@ -7,6 +7,7 @@
 #include "platform/thread.h"
 #include "platform/threadpool.h"
 #include "search/enginecommand.h"
+#include "search/movelog.h"
 #include "search/rootsetup.h"
 #include "search/scout.h"
 #include "search/solverequest.h"
@@ -231,12 +232,16 @@ void TScheduler::Run(TMoveThread& move, int nIndex)
     bool bGivenUp = true;
     try {
         nResult = m_search(*move.m_pChild);
+        if (context.m_bLogging)
+            LogResult(*move.m_pChild, nResult);
         bGivenUp = nResult != RESULT_MATE && (m_request.IsStopped(move.m_nThreadId) ||
                                               context.m_nSuspended == TSuspension::ABANDON);
     }
     catch (const std::exception&) {
         // The move has no answer.
     }
+    if (m_request.OnPositionAnalysed)
+        m_request.OnPositionAnalysed(nullptr, context);
     const std::lock_guard guard(m_csScheduler);
     move.m_nResult = nResult;
     move.m_nRepetition = context.m_anRepeatDepth[m_board.m_nMoves];

@@ -71,6 +71,8 @@ struct TSolveRequest : TProblem, TStopBlock, TRegisterHost
     std::int16_t m_shLookForQuickerMateDepth = -1; ///< half-moves; -1: automatic
     std::uint64_t m_nPlannedPasses = 0;
     std::uint32_t m_nFirstMovesTotal = 1;
+    std::atomic<std::uint64_t> m_nFirstMovesDone{0}; ///< in all passes
+    std::atomic<float> m_fPercent{0};                ///< of the planned passes that is done
     std::vector<TMove> m_vecFirstMoves; ///< of the last run, in the order in which it tries them
     std::atomic<std::uint32_t> m_nPassCount{0};
     std::uint8_t m_nHybridBruteForcePhase = 0;
@@ -115,17 +117,18 @@ struct TSolveRequest : TProblem, TStopBlock, TRegisterHost
     bool m_bUseRegister = true;
     /// Tasks with fewer half-moves are solved faster than their positions are looked up.
     std::uint16_t m_nMinRegisterPlies = 10;
-    bool m_bPlain = false;          ///< by the plain recursion
-    bool m_bCutShort = false;       ///< a stop left first moves undecided
-    bool m_bDoubtful = false;       ///< the last pass that was wanted left first moves undecided
-    bool m_bManualControl = false;  ///< commands by hand are taken (enginecommand.h)
-    bool m_bClearRegister = false;  ///< what earlier runs have learnt is forgotten at the start
-    bool m_bShareMoves = true;      ///< two threads may analyse one first move
-    std::uint64_t m_nPositions = 0; ///< legal moves made in the last run
-    std::uint64_t m_nScoutPositions = 0;      ///< those of the scout among them
-    bool m_bFoundByScout = false;             ///< the solution of the last run is the scout's
-    std::array<std::uint64_t, 32> m_anCuts{}; ///< lines cut in the last run, by heuristic
-    std::uint64_t m_nPinnedRookSearches = 0;  ///< of TThreadContext, summed up
+    bool m_bPlain = false;         ///< by the plain recursion
+    bool m_bLogMoves = false;      ///< each thread writes a log of its moves
+    bool m_bCutShort = false;      ///< a stop left first moves undecided
+    bool m_bDoubtful = false;      ///< the last pass that was wanted left first moves undecided
+    bool m_bManualControl = false; ///< commands by hand are taken (enginecommand.h)
+    bool m_bClearRegister = false; ///< what earlier runs have learnt is forgotten at the start
+    bool m_bShareMoves = true;     ///< two threads may analyse one first move
+    std::atomic<std::uint64_t> m_nPositions{0}; ///< legal moves made in the last run
+    std::uint64_t m_nScoutPositions = 0;        ///< those of the scout among them
+    bool m_bFoundByScout = false;               ///< the solution of the last run is the scout's
+    std::array<std::uint64_t, 32> m_anCuts{};   ///< lines cut in the last run, by heuristic
+    std::uint64_t m_nPinnedRookSearches = 0;    ///< of TThreadContext, summed up
     std::uint64_t m_nPinnedRookMates = 0;
     std::uint64_t m_nUnblockTries = 0;
     int m_nOneColourMates = 0;   ///< keys of the last run that its reduced problem has shown
@@ -153,8 +156,10 @@ struct TSolveRequest : TProblem, TStopBlock, TRegisterHost
     std::function<void(const TMove& move, const std::string& strText, int nProblemNumber)>
         OnSolutionFound;
 
-    /// Called now and then at a White node, from the thread that searches it.
-    std::function<void(const TChessboard& board)> OnPositionAnalysed;
+    /// Called now and then at a White node, from the thread that searches it; with a null board
+    /// when a thread that has searched nodes has come to its end, before its line is gone.
+    std::function<void(const TChessboard* pBoard, const TThreadContext& context)>
+        OnPositionAnalysed;
 
     /// Called each second of a run, from the thread that waits for it.
     std::function<void(int nSeconds)> OnSecond;

@@ -1,7 +1,7 @@
 #ifndef CORVINA_SEARCH_SORTNESTING_H
 #define CORVINA_SEARCH_SORTNESTING_H
 
-#include "search/threadcontext.h"
+#include "search/movelog.h"
 
 namespace corvina
 {
@@ -10,7 +10,8 @@ namespace corvina
 class TSortNesting
 {
 public:
-    explicit TSortNesting(const TChessboard& board) : m_context(ContextOf(board))
+    explicit TSortNesting(const TChessboard& board)
+        : m_context(ContextOf(board)), m_logOff(m_context)
     {
         if (++m_context.m_nSortNesting == 1)
             m_context.m_pSortRoot = &board;
@@ -21,6 +22,7 @@ public:
 
 private:
     TThreadContext& m_context;
+    const TLogOff m_logOff;
 };
 
 /// Keeps the short mate search off for the life of the object.

@@ -6,9 +6,9 @@ namespace
 {
 
 constexpr std::uint64_t TThreadContext::*COUNTS[] = {
-    &TThreadContext::m_nPositions, &TThreadContext::m_nPinnedRookSearches,
-    &TThreadContext::m_nPinnedRookMates, &TThreadContext::m_nUnblockTries,
-    &TThreadContext::m_nBlockedPawnMoves};
+    &TThreadContext::m_nPositions,          &TThreadContext::m_nPublishedPositions,
+    &TThreadContext::m_nPinnedRookSearches, &TThreadContext::m_nPinnedRookMates,
+    &TThreadContext::m_nUnblockTries,       &TThreadContext::m_nBlockedPawnMoves};
 
 } // namespace
 

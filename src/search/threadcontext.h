@@ -3,6 +3,7 @@
 
 #include "chess/linecontext.h"
 #include "heuristics/heuristicsparams.h"
+#include "search/logfile.h"
 #include "search/suspension.h"
 
 #include <array>
@@ -56,8 +57,16 @@ public:
         m_aUnrefuted.resize(nLevels);
     }
 
-    std::uint16_t m_nThreadId = 0;  ///< for the stop block; 0 in a single-threaded run
-    std::uint64_t m_nPositions = 0; ///< legal moves made
+    std::uint16_t m_nThreadId = 0;           ///< for the stop block; 0 in a single-threaded run
+    std::uint64_t m_nPositions = 0;          ///< legal moves made
+    std::uint64_t m_nPublishedPositions = 0; ///< those that the request knows of
+    std::uint64_t m_nLastProgressTick = 0;   ///< when the thread's line was shown last
+
+    // The move log (search/movelog.h).
+    bool m_bLogging = false;
+    bool m_bLogOff = false;           ///< for a while, by a trial search
+    TLogFile m_pLog;                  ///< null: not open, or it can't be
+    std::uint16_t m_nLogThreadId = 0; ///< the thread for which it was opened
 
     // Threads below the root (search/levels.h, search/scheduler.h).
     const TThreadContext* m_pOwner = nullptr; ///< of the thread that waits for this one

@@ -5,6 +5,7 @@
 #include "heuristics/blockedfigures.h"
 #include "heuristics/heuristicbits.h"
 #include "heuristics/unblock.h"
+#include "search/movelog.h"
 
 #include <bit>
 
@@ -29,6 +30,7 @@ TSearchResult SearchWithBlockedFigures(TChessboard& child,
 {
     TThreadContext& context = ContextOf(child);
     const THeuristicsParams params = context;
+    const TLogOff logOff(context);
     TChessboard tried = child;
     TSquareSet figures = FindBlockedFigures(child).Figures();
     while (figures)

@@ -4,6 +4,8 @@
 #include "search/hooks.h"
 #include "search/levelthread.h"
 #include "search/line.h"
+#include "search/movelog.h"
+#include "search/progress.h"
 #include "search/registeraccess.h"
 #include "search/scheduler.h"
 #include "search/scout.h"
@@ -109,8 +111,9 @@ private:
             return true;
         if (m_context.m_pScout)
             m_context.m_pScout->Work();
+        PublishPositions(m_request, m_context);
         if (m_request.OnPositionAnalysed)
-            m_request.OnPositionAnalysed(m_board);
+            m_request.OnPositionAnalysed(&m_board, m_context);
         if (!m_request.m_pFoundSolutions ||
             !m_request.m_pFoundSolutions->Contains(m_context.m_firstMove))
             return true;
@@ -351,27 +354,43 @@ private:
     {
         TSearchResult nSettled = RESULT_NO_MATE;
         TChessboard* pChild = MakeTry(move, &nSettled);
-        return pChild ? m_kind.SearchReplies(*pChild) : nSettled;
+        if (!pChild)
+            return nSettled;
+        const TSearchResult nResult = m_kind.SearchReplies(*pChild);
+        if (m_context.m_bLogging)
+            LogResult(*pChild, nResult);
+        return nResult;
     }
 
     /// The position behind a move; null when that is settled without a search.
     TChessboard* MakeTry(TMove& move, TSearchResult* pnSettled)
     {
         *pnSettled = RESULT_DOUBTFUL;
-        if (m_kind.IsCut(m_board, move))
+        if (m_kind.IsCut(m_board, move)) {
+            if (m_context.m_bLogging)
+                LogCutMove(m_board, move);
             return nullptr;
+        }
         TChessboard& child = m_context.MakeChild(m_board);
         *pnSettled = RESULT_NO_MATE;
         if (!child.MakeWhiteMove(&move))
             return nullptr;
         ++m_context.m_nPositions;
+        if (m_context.m_bLogging)
+            LogMove(child, &move, true);
         if (const std::uint16_t nEarlier = CountingRepetition(child)) {
             m_anRepeat[m_nDepth] = nEarlier;
             *pnSettled = RESULT_REPETITION;
-            return nullptr;
         }
-        *pnSettled = RESULT_DOUBTFUL;
-        return m_kind.IsCutAfterMove(child) ? nullptr : &child;
+        else if (m_kind.IsCutAfterMove(child)) {
+            *pnSettled = RESULT_DOUBTFUL;
+        }
+        else {
+            return &child;
+        }
+        if (m_context.m_bLogging)
+            LogResult(child, *pnSettled);
+        return nullptr;
     }
 
     /// A move leans on a position further up. False when the thread is being stopped.

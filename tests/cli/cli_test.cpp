@@ -235,6 +235,29 @@ TEST(Cli, PassesOfARun)
               2);
 }
 
+TEST(Cli, ProgressOfARun)
+{
+    const std::string strTask = "solve --fen 2b1r1k1/r4ppp/p7/2pNP3/4Q3/q6P/2P2PP1/3RR1K1 "
+                                "--mate 13 --time 2.5 --threads 2^2 ";
+    std::istringstream output(RunCli(strTask + "--progress json >/dev/null").m_strOutput);
+    std::vector<nlohmann::json> vecSeconds;
+    for (std::string strLine; std::getline(output, strLine);) {
+        const auto object = nlohmann::json::parse(strLine);
+        if (!object.contains("message"))
+            vecSeconds.push_back(object);
+    }
+    ASSERT_EQ(vecSeconds.size(), 2u);
+    for (std::size_t i = 0; i < 2; ++i) {
+        EXPECT_EQ(vecSeconds[i]["seconds"], i + 1);
+        EXPECT_GT(vecSeconds[i]["positions"], i == 0 ? 0 : vecSeconds[0]["positions"].get<int>());
+        EXPECT_EQ(vecSeconds[i]["pass"].get<std::string>().front(), '1');
+        EXPECT_GT(vecSeconds[i]["line"].size(), 2u);
+    }
+    // No terminal, no live line.
+    EXPECT_EQ(RunCli(strTask).m_strOutput.find('\r'), std::string::npos);
+    EXPECT_EQ(RunCli(strTask + "--progress no").m_nExitCode, 2);
+}
+
 TEST(Cli, ChosenHeuristics)
 {
     const std::string strTask = " --fen 8/2N5/8/8/8/1p6/1p6/1k1K3R --mate 6 ";

@@ -85,7 +85,9 @@ TEST(PositionAnalysis, LeavesNoTraceAndAnswersAlike)
         TAnalysedTask task(PositionOf(random, i), 6 + i % 12);
         task.m_request.m_bSafeMode = i % 2;
         task.m_request.m_bUseRegister = i % 3;
-        task.m_request.OnPositionAnalysed = [](const TChessboard&) { FAIL(); };
+        task.m_request.OnPositionAnalysed = [](const TChessboard*, const TThreadContext&) {
+            FAIL();
+        };
         TThreadContext context(task.m_root.m_nMoves);
         PutOnThread(task.m_root, context);
         const auto vecBefore = BytesOf(task, context);

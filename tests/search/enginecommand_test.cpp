@@ -208,7 +208,9 @@ struct TEndlessRun
     TEndlessRun()
     {
         SetProblem(request, "rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR", 9);
-        request.OnPositionAnalysed = [this](const TChessboard&) { ++m_nReports; };
+        request.OnPositionAnalysed = [this](const TChessboard*, const TThreadContext&) {
+            ++m_nReports;
+        };
         thread = std::thread([this] { outcome = Solve(request, {}); });
         // The node must be there, and the thread at work below it.
         while (Look(14).m_nDepth != 14)
@@ -325,7 +327,7 @@ constexpr TTask TASKS[] = {
 void SendAtRandom(TSolveRequest& request, std::mt19937& random, int nCommands, bool bSkips)
 {
     request.OnPositionAnalysed = [&request, &random, nCommands,
-                                  bSkips](const TChessboard&) mutable {
+                                  bSkips](const TChessboard*, const TThreadContext&) mutable {
         if (nCommands == 0 || random() % 3)
             return;
         // The callback comes at depth 9: what is given up is below the nodes above it.

@@ -368,7 +368,7 @@ TEST(Indications, AGoodOneSavesWork)
         settings.m_bStopAtFirstSolution = true;
         settings.m_nMainVariantUse = static_cast<std::uint8_t>(nVariantUse);
         EXPECT_EQ(Solve(request, settings).m_nResult, 1);
-        return request.m_nPositions;
+        return request.m_nPositions.load();
     };
     const std::uint64_t nWithout = positions("");
     EXPECT_LT(4 * positions("1.d7"), nWithout);

@@ -1,0 +1,50 @@
+#ifndef CORVINA_CLI_PROGRESSOUTPUT_H
+#define CORVINA_CLI_PROGRESSOUTPUT_H
+
+#include "app/progress.h"
+
+#include <mutex>
+#include <string>
+
+namespace corvina
+{
+
+/// What standard error shows of a run that goes on.
+enum class EProgressForm
+{
+    Auto, ///< a live line on a terminal, else nothing
+    None,
+    Json ///< an object a second, each on a line
+};
+
+/// Tells on standard error how a run stands, each second, and whatever else there is to say
+/// meanwhile without a mix-up of the two: messages of the run, and that it takes the number of
+/// threads that the engine wants. The live line is gone with the object.
+class TProgressOutput
+{
+public:
+    /// The request must outlive the object, which has its callbacks as long as it lives.
+    TProgressOutput(TSolveRequest& request, EProgressForm form);
+    ~TProgressOutput();
+    TProgressOutput(const TProgressOutput&) = delete;
+    TProgressOutput& operator=(const TProgressOutput&) = delete;
+
+    /// A line of its own, with Json an object that has it as "message". Any thread may call it.
+    void Print(const std::string& strLine);
+
+private:
+    void OnSecond(int nSeconds);
+    void PrintJson(int nSeconds);
+    void ShowLive(int nSeconds);
+    void ClearLive();
+
+    TSolveRequest& m_request;
+    const bool m_bLive, m_bJson;
+    TProgress m_progress;
+    std::mutex m_csOutput;
+    std::size_t m_nShown = 0; ///< characters of the live line; guarded by m_csOutput
+};
+
+} // namespace corvina
+
+#endif
