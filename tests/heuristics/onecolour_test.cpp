@@ -8,6 +8,8 @@
 
 #include <gtest/gtest.h>
 
+#include <set>
+
 namespace corvina
 {
 namespace
@@ -100,6 +102,29 @@ TEST(OneColourPlay, APassAloneIsStalemateWhereTheBishopMayHaveNoMove)
     };
     EXPECT_TRUE(standsForMove("8/8/8/8/4b3/3p4/7B/k1K5 w - - 0 1"));
     EXPECT_FALSE(standsForMove("8/1p6/8/8/4b3/3p4/7B/k1K5 w - - 0 1"));
+}
+
+/// A bishop on a dark square could go to d8 or f8: a promotion to a queen or a rook mates only
+/// where no such bishop is meant.
+TEST(OneColourPlay, APromotedLineFigureIsNoMan)
+{
+    TChessboard board;
+    ASSERT_TRUE(ReadFen(board, "2r4k/1P6/6K1/8/8/8/8/1N3B2"));
+    EXPECT_TRUE(MatesPlainly(board, 1));
+    board.m_moveFilter |= TChessboard::FILTER_WHITE_SQUARES_ONLY;
+    EXPECT_FALSE(MatesPlainly(board, 1));
+    EXPECT_FALSE(MatesByNodes(board, 1));
+    TLineContext line(2);
+    board.m_nMoves = 1;
+    board.m_pThread = &line;
+    TMoveList moves;
+    const int nMoves = board.GenerateWhiteMoves(moves.data());
+    std::multiset<int> kinds;
+    for (int i = 0; i < nMoves; ++i) {
+        if (moves[i].PromotionKind() && line.MakeChild(board).MakeWhiteMove(&moves[i]))
+            kinds.insert(moves[i].PromotionKind());
+    }
+    EXPECT_EQ(kinds, (std::multiset<int>{KIND_KNIGHT, KIND_BISHOP}));
 }
 
 TEST(OneColourPlay, ThePreRunFindsMatesAndChangesNoSolution)
