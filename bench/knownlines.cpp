@@ -21,7 +21,7 @@ namespace
 {
 
 /// Seconds for a question whose answer is known to be yes, and for one that ranks a defence.
-constexpr double PROOF_SECONDS = 120, RANKING_SECONDS = 2;
+constexpr double PROOF_SECONDS = 600, RANKING_SECONDS = 2;
 
 /// Moves, White's first.
 using TLine = std::vector<std::string>;

@@ -13,7 +13,10 @@ constexpr TPredefinedLine g_aLines[] = {
      "Rg3-e3+ Kh2-g1 7. Re3-e5 Kg1-h2 8. Re5-h5+ Kh2-g1 9. Ke1-d2 Kg1-f2 10. Rh5-f5+ Kf2-g1 11. "
      "Bd6-f4 Kg1-f2 12. Bf4-h2#"},
     {"8/pp1p4/rrbQ4/kp1n4/1p6/8/P1N5/K7", nullptr},
-    {"n1B2b1r/5p1n/1pK2pb1/1N4pq/2p1k1p1/1p4B1/1R1P2P1/2N5", nullptr},
+    {"n1B2b1r/5p1n/1pK2pb1/1N4pq/2p1k1p1/1p4B1/1R1P2P1/2N5",
+     "1. Nb5-c3+ Ke4-d4 2. Nc3-e2+ Kd4-e4 3. Rb2:b3 c4:b3 4. Bc8-a6 b6-b5 5. Ba6-b7 Ke4-f5 6. "
+     "Ne2-d4+ Kf5-e4 7. Nd4:b3 Ke4-f5 8. Nb3-d4+ Kf5-e4 9. Nd4-c2 Ke4-f5 10. Bb7-c8+ Kf5-e4 11. "
+     "d2-d3#"},
     {"rn4b1/2p3p1/1pB5/p1nP3N/R1P1kBpN/2P5/2KP2P1/2b5",
      "1. Bc6-e8 Bg8-h7 2. Nh4-g6 Ke4-f5 3. Nh5:g7+ Kf5-e4 4. Ng7-h5 Ke4-f5 5. Ng6-h4+ Kf5-e4 6. "
      "g2-g3 Nb8-d7 7. Nh5-f6+ Nd7:f6 8. Be8-c6 Bh7-g8 9. d5-d6+ Nf6-d5 10. c4:d5+ Nc5:a4 11. "
@@ -25,18 +28,36 @@ constexpr TPredefinedLine g_aLines[] = {
     {"8/pp2p1K1/4p3/3pPp2/1P1BkP2/4Pp2/2PpnP1P/3Nb3",
      "1. b4-b5 a7-a6 2. b5:a6 b7-b5 3. a6-a7 b5-b4 4. a7-a8Q Ne2:d4 5. Qa8-a3 Nd4:c2 6. Qa3-b3 "
      "Nc2-a3 7. Kg7-f7 d5-d4 8. Kf7:e6 Na3-b1 9. Qb3:b1+ d4-d3 10. Qb1:b4#"},
-    {"2R2K2/r2ppB2/1B1k3n/1Pp2P1P/4pP1R/rpN5/nN1P1b2/1q3b2", nullptr},
-    {"1bn4q/p2R2pp/4p3/3p2N1/8/3KNP1P/1R5p/4k1n1", nullptr},
-    {"8/6pq/p3P1pr/1p1N1p1p/bP2pB1k/1p2N3/1P4K1/8", nullptr},
-    {"8/N1PP4/3P4/pp6/1P6/p1p5/rkPp2p1/qn1K2Rb", nullptr},
+    {"2R2K2/r2ppB2/1B1k3n/1Pp2P1P/4pP1R/rpN5/nN1P1b2/1q3b2",
+     "1. Rh4-g4 Nh6:g4 2. Bb6-d8 Bf2-h4 3. f5-f6 Bh4:f6 4. Bd8-b6 Bf6-d4 5. d2-d3 Qb1:d3 6. "
+     "Nb2-c4+ Qd3:c4 7. Nc3:e4#"},
+    {"1bn4q/p2R2pp/4p3/3p2N1/8/3KNP1P/1R5p/4k1n1",
+     "1. Ne3-g4 Ke1-f1 2. Rd7-b7 h2-h1N 3. f3-f4 Bb8:f4 4. Rb7-f7 Ng1-e2 5. Rb2:e2 Nh1-f2 6. "
+     "Re2:f2+ Kf1-g1 7. Ng5-f3+ Kg1-h1 8. Rf7:f4 d5-d4 9. Rf2-h2#"},
+    {"8/6pq/p3P1pr/1p1N1p1p/bP2pB1k/1p2N3/1P4K1/8",
+     "1. Bf4-d6 a6-a5 2. Bd6-g3+ Kh4-g5 3. Bg3-f4+ Kg5-h4 4. Bf4-d6 a5:b4 5. Bd6-g3+ Kh4-g5 6. "
+     "Bg3-f4+ Kg5-h4 7. Bf4-d6 f5-f4 8. Nd5:f4 Kh4-g5 9. Nf4-d5 Kg5-h4 10. Bd6:b4 Qh7-h8 11. "
+     "Bb4-e7+ g6-g5 12. Ne3-f5+ Kh4-g4 13. Nd5-e3+ Kg4-f4 14. Be7-d6#"},
+    {"8/N1PP4/3P4/pp6/1P6/p1p5/rkPp2p1/qn1K2Rb",
+     "1. b4:a5 b5-b4 2. c7-c8Q b4-b3 3. c2:b3 Kb2:b3 4. Qc8-b7+ Kb3-c4 5. Qb7-b5+ Kc4-d4 6. "
+     "Na7-c6+ Kd4-e3 7. Qb5-e2+ Ke3-f4 8. Qe2-f2+ Kf4-e4 9. Qf2-h4+ Ke4-d5 10. Nc6-e7+ Kd5-e5 11. "
+     "Qh4-g5+ Ke5-e4 12. Qg5-g4+ Ke4-e5 13. Qg4-e2+ Ke5-f4 14. Ne7-g6+ Kf4-g3 15. Qe2-e5+ Kg3-g4 "
+     "16. Qe5-e4+ Kg4-h5 17. Ng6-f4+ Kh5-g4 18. Nf4:g2+ Kg4-g5 19. d7-d8Q+ Kg5-h6 20. Rg1:h1+ "
+     "Kh6-g7 21. Rh1-h7#"},
     {"K7/6p1/2Q3Pb/6p1/6Pp/2Pb3p/6pr/4B2k", nullptr},
     {"8/k1B4K/3N4/pppppppp/8/8/1b6/5R2",
      "1. Rf1-b1 a5-a4 2. Rb1:b2 b5-b4 3. Rb2-c2 c5-c4 4. Rc2-d2 d5-d4 5. Rd2-e2 e5-e4 6. Re2-f2 "
      "f5-f4 7. Rf2-g2 g5-g4 8. Rg2-h2 h5-h4 9. Rh2:h4 a4-a3 10. Rh4-h5 a3-a2 11. Rh5-a5#"},
     {"8/3p1p1p/3p1p2/3p1B2/8/6pN/5pP1/3K1kbn", nullptr},
     {"1R1nN3/K1pP1nr1/B1k2Np1/3b4/P4P2/ppPpp1P1/2R5/6r1", nullptr},
-    {"6Q1/8/8/5r2/2p5/4K3/7p/7k", nullptr},
-    {"8/1p1Rp2r/1Pn1P1p1/2pBk1P1/3pN1K1/3P2n1/3P4/3N4", nullptr},
+    {"6Q1/8/8/5r2/2p5/4K3/7p/7k",
+     "1. Qg8-h7 Rf5-f1 2. Qh7-b7+ Kh1-g1 3. Qb7-g7+ Kg1-h1 4. Ke3-e2 Rf1-f4 5. Qg7-g8 Rf4-f5 6. "
+     "Qg8-c8 Rf5-f4 7. Qc8-a8+ Kh1-g1 8. Qa8-g8+ Kg1-h1 9. Qg8-d5+ Kh1-g1 10. Qd5-g5+ Kg1-h1 11. "
+     "Qg5:f4 Kh1-g2 12. Qf4-f3+ Kg2-g1 13. Qf3-f1#"},
+    {"8/1p1Rp2r/1Pn1P1p1/2pBk1P1/3pN1K1/3P2n1/3P4/3N4",
+     "1. Nd1-b2 Rh7-h4 2. Kg4:h4 Ng3-f1 3. Nb2-c4+ Ke5-f4 4. Bd5:c6 Nf1-h2 5. Rd7:e7 Nh2-f3 6. "
+     "Kh4-h3 Nf3-h4 7. Kh3:h4 Kf4-f3 8. Re7-f7+ Kf3-e2 9. Rf7-f2+ Ke2-e1 10. Bc6-b5 Ke1-d1 11. "
+     "Bb5-a4+ Kd1-e1 12. Nc4-e5 c5-c4 13. Ne5-f3#"},
     {"2b2b2/2B2p1r/1n1r3p/8/1P1P1P2/2n1P1k1/1N3N2/4K2Q", nullptr},
     {"4K3/p7/6Rp/1NppkB1r/nBP1p3/4N2n/3p1P2/2b2R2",
      "1. Bb4-a5 Na4-b6 2. Ba5-c3+ Ke5-f4 3. Bf5-g4 Rh5-e5 4. Bc3:e5+ Kf4:e5 5. f2-f4+ e4:f3 6. "
@@ -52,7 +73,9 @@ constexpr TPredefinedLine g_aLines[] = {
     {"2b3BB/r2p4/p3P3/1n1N1kpP/2r1N1p1/R2P4/2q1P2P/4b2K", nullptr},
     {"5r1b/1pR4n/5kp1/1pNp2p1/R2P1P1P/4N1Pr/2P5/K4b2", nullptr},
     {"n7/p4RB1/2p1R1B1/r1p3P1/P1P3Pp/2Pp3P/bnP2pNK/3r1k2", nullptr},
-    {"7r/p1N1Pb1B/P2p3r/3P1Pp1/3B2Pb/p1Pk1Pp1/P2N2Rp/7K", nullptr},
+    {"7r/p1N1Pb1B/P2p3r/3P1Pp1/3B2Pb/p1Pk1Pp1/P2N2Rp/7K",
+     "1. f5-f6+ Rh6:h7 2. Nd2-e4 Kd3-c4 3. Ne4:d6+ Kc4-d3 4. Nd6-e4 Kd3-c4 5. Ne4-d2+ Kc4-d3 6. "
+     "Nd2-b3 Kd3-c4 7. Nb3-a5+ Kc4-d3 8. Na5-c6 Kd3-c4 9. Nc6-e5#"},
     {"rb2k3/2p1p1P1/2P4n/PpQP3r/bR2p3/6Bp/1npP4/4K2R", nullptr},
     {"3Q4/r1pP4/n3p3/BNprpbR1/4kbN1/1P3pP1/1nR2p2/5B1K",
      "1. Ng4-f6+ Ke4-e3 2. Nf6:d5+ e6:d5 3. Ba5-d2+ Ke3-e4 4. g3:f4 Nb2-c4 5. Qd8-f6 Bf5-h7 6. "
@@ -68,7 +91,10 @@ constexpr TPredefinedLine g_aLines[] = {
     {"7R/n1p1pBk1/2r2pP1/1qN5/3rP1PP/4p1Kb/1Bn5/bQ6",
      "1. Rh8-g8+ Kg7-h6 2. Qb1-f1 Qb5:f1 3. Rg8-h8+ Kh6-g7 4. Rh8-h7+ Kg7-f8 5. Nc5-d7+ Rd4:d7 6. "
      "Rh7-h8+ Kf8-g7 7. Rh8-g8+ Kg7-h6 8. g4-g5+ Kh6-h5 9. Rg8-h8#"},
-    {"n4b2/2p5/6P1/7K/R2p1p2/pp1k1np1/N3Rp2/5B2", nullptr},
+    {"n4b2/2p5/6P1/7K/R2p1p2/pp1k1np1/N3Rp2/5B2",
+     "1. g6-g7 Bf8:g7 2. Na2-b4+ Kd3-c3 3. Nb4-d5+ Kc3-d3 4. Nd5:f4+ Kd3-c3 5. Ra4-c4+ Kc3:c4 6. "
+     "Re2-c2+ Kc4-b4 7. Nf4-d5+ Kb4-a4 8. Rc2-c4+ Ka4-a5 9. Rc4-c5+ Ka5-a4 10. Bf1-b5+ Ka4-a5 11. "
+     "Bb5-c6+ Ka5-a6 12. Nd5-b4+ Ka6-a7 13. Rc5-a5+ Ka7-b6 14. Ra5-b5+ Kb6-a7 15. Rb5-b7#"},
     {"n7/3p1p1b/3R1p1r/BN2P3/p5Bq/3pN3/2p1P2n/K1k5",
      "1. Nb5-c3 Kc1-d2 2. Nc3-d5+ Kd2-c1 3. Nd5-b4 Kc1-d2 4. Nb4:c2+ Kd2-c1 5. Nc2-b4 Kc1-d2 6. "
      "Nb4-d5+ Kd2-c1 7. Nd5-c3 Kc1-d2 8. Nc3-d1+ Kd2-c1 9. Rd6-d5 d7-d6 10. Rd5:d6 f6:e5 11. "
@@ -100,7 +126,8 @@ constexpr TPredefinedLine g_aLines[] = {
     {"2K3bN/6n1/kbQ1p3/p6n/p5p1/8/6p1/8", nullptr},
     {"5Q2/8/p7/1p6/8/5K2/3r4/4k1b1", nullptr},
     {"n7/6nb/BB1P1pNq/2PkPN2/5pP1/4pP1p/P1p2bp1/2K5", nullptr},
-    {"1b3K2/r1p1B3/2P1p3/1P2k3/8/P1P1NbPp/3N1P2/8", nullptr},
+    {"1b3K2/r1p1B3/2P1p3/1P2k3/8/P1P1NbPp/3N1P2/8",
+     "1. Be7-g5 Ke5-d6 2. Nd2-e4+ Kd6-e5 3. Ne4-c5 h3-h2 4. Kf8-e7 h2-h1Q 5. Bg5-f6#"},
     {"K4br1/B1p1pnp1/2p5/k1N1n3/8/p1p5/Np2B3/6R1",
      "1. Ba7-b8 Ka5-b6 2. Nc5-a4+ Kb6-a5 3. Na4:c3 Ka5-b6 4. Nc3-a4+ Kb6-a5 5. Na4-c5 Ka5-b6 6. "
      "Bb8-a7+ Kb6-a5 7. Rg1-g3 b2-b1N 8. Rg3-g4 Ne5:g4 9. Ba7-b8 Ka5-b6 10. Nc5-d7+ Kb6-a5 11. "
@@ -136,13 +163,19 @@ constexpr TPredefinedLine g_aLines[] = {
      "1. Ne7-c6 Ke4-d5 2. Nc6-b4+ Kd5-e4 3. Nb4:c2 Ke4-d5 4. Nc2-b4+ Kd5-e4 5. Nb4-c6 Ke4-d5 6. "
      "Nc6-e7+ Kd5-e4 7. Ne7-g8 Ne6-d4 8. Ng8-f6+ Ke4-e5 9. Kg4-g5 Ke5-e6 10. Qc3-e3+ Ke6-f7 11. "
      "Qe3-e8+ Kf7-g7 12. Nf6-h5+ Kg7-h7 13. Qe8-g6+ Kh7-h8 14. Qg6-g7#"},
-    {"2r5/1p1p3p/5p1B/3NP3/n2PB2P/P1p4p/1p1p2n1/1rbk1K2", nullptr},
+    {"2r5/1p1p3p/5p1B/3NP3/n2PB2P/P1p4p/1p1p2n1/1rbk1K2",
+     "1. Nd5-b4 Ng2-e1 2. Be4-f5 Rc8-g8 3. Bh6-g5 h7-h5 4. Nb4-d5 Ne1-g2 5. Bf5-e4 Rg8-c8 6. "
+     "Nd5-b4 Ng2-e1 7. Be4-g6 Rc8-h8 8. Bg5-h6 Rh8:h6 9. Nb4-d5 Ne1-g2 10. Bg6-e4 Rb1-a1 11. "
+     "Be4-f3+ Kd1-c2 12. Nd5-b4+ Kc2-b1 13. Bf3-e4+ c3-c2 14. Be4:c2#"},
     {"3n4/8/B4R2/4N3/4NK2/p1p3p1/pbPp1PPp/kb1R2rq",
      "1. Ne4-c5 Bb2-c1 2. Nc5-b3+ Ka1-b2 3. Ne5-c4+ Kb2:c2 4. Nb3-d4+ Kc2:d1 5. Nc4-e3+ Kd1-e1 6. "
      "Nd4-f3+ Ke1:f2 7. Ne3-g4+ Kf2:g2 8. Nf3-h4+ Kg2-h3 9. Ng4-f2+ g3:f2 10. Ba6-c8+ Nd8-e6 11. "
      "Bc8:e6+ Bb1-f5 12. Be6:f5+ Rg1-g4 13. Bf5:g4+ Kh3:h4 14. Rf6-h6#"},
     {"2rr4/3pp3/R1p1p2N/8/1pp2BR1/5p1k/4pP2/4K1nb", nullptr},
-    {"2K1R1R1/P4p2/3p1k1p/1p2b3/rPpB2P1/1p1P4/rP6/8", nullptr},
+    {"2K1R1R1/P4p2/3p1k1p/1p2b3/rPpB2P1/1p1P4/rP6/8",
+     "1. Bd4-f2 Be5-f4 2. Bf2-h4+ Bf4-g5 3. Bh4-e1 Bg5-f4 4. Be1-c3+ Bf4-e5 5. d3-d4 Be5-f4 6. "
+     "d4-d5+ Bf4-e5 7. Bc3-e1 Be5-f4 8. Be1-h4+ Bf4-g5 9. Bh4-f2 Bg5-f4 10. Bf2-d4+ Bf4-e5 11. "
+     "Bd4-b6 Ra4:a7 12. Bb6-d8+ Ra7-e7 13. Bd8:e7#"},
     {"7r/k1N2p2/4b3/4p2r/2R5/4PK2/8/7R",
      "1. Rh1-a1+ Ka7-b8 2. Ra1-b1+ Kb8-c8 3. Nc7:e6+ Kc8-d7 4. Rc4-c7+ Kd7:e6 5. Rb1-b6+ Ke6-f5 6. "
      "Rc7:f7+ Kf5-g5 7. Rf7-g7+ Kg5-h4 8. Rg7-g4+ Kh4-h3 9. Rg4-g3+ Kh3-h2 10. Rb6-b2+ Kh2-h1 11. "
