@@ -68,9 +68,24 @@ int TProofWalk::MateAtBlack(TChessboard& board)
     return board.m_blackChecker != NO_CHECK ? 0 : NO_MATE;
 }
 
+int TProofWalk::ShortMateAt(TChessboard& root)
+{
+    const std::uint16_t nDepth = root.m_nMoves;
+    root.m_nMoves = std::min<std::uint16_t>(nDepth, EXACT_PLIES);
+    TMoveList moves;
+    const int nMoves = root.GenerateWhiteMoves(moves.data());
+    int nIndex = 0;
+    while (nIndex < nMoves && MateAfter(root, nIndex) == NO_MATE)
+        ++nIndex;
+    root.m_nMoves = nDepth;
+    return nIndex < nMoves ? nIndex : NO_ANSWER;
+}
+
 std::optional<TMove> TProofWalk::Walk(TChessboard& root)
 {
-    const int nIndex = MatingMove(root);
+    int nIndex = MatingMove(root);
+    if (nIndex == SHORT_MATE)
+        nIndex = ShortMateAt(root);
     if (MateAfter(root, nIndex) == NO_MATE)
         return std::nullopt;
     TMoveList moves;

@@ -48,6 +48,8 @@ private:
     int MateAtWhite(TChessboard& board);
     int MateAfter(TChessboard& board, int nIndex);
     int MateAtBlack(TChessboard& board);
+    /// The move that mates in one or two at the root; NO_ANSWER: there is none.
+    int ShortMateAt(TChessboard& root);
 
     TSolveRequest& m_request;
     TThreadContext& m_context;

@@ -80,7 +80,8 @@ private:
         static const std::regex s_result(
             R"((\d+)(\.| \.\.\.)(mate|no mate|position repetition|end of FindForcedMate depth|)"
             R"(doubtful \(SH_[A-Z0-9]+\)|)"
-            R"(doubtful \((0|-1) \(temp\.reg\.\)\)))");
+            R"(doubtful \((0|-1) \(temp\.reg\.\)\)|)"
+            R"(doubtful/impossible \(-[0-9]+\)))");
         const std::size_t nTabs = strLine.find_first_not_of('\t');
         const std::string strText = strLine.substr(nTabs);
         const std::string strNumber = std::to_string((nTabs - 1) / 2 + 1);

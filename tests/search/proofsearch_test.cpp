@@ -70,6 +70,20 @@ TEST(ProofSearch, AgreesWithTheMainSearch)
     EXPECT_GT(nRefuted, 50);
 }
 
+/// White mates in two and is asked for four: the root comes up again below itself.
+TEST(ProofSearch, ConfirmsAShorterMate)
+{
+    TChessboard board;
+    ASSERT_TRUE(ReadFen(board, "8/2R4p/7P/8/k7/8/1K6/3R4"));
+    const TSolvedTask task(board, 4);
+    TProofTable table;
+    TProofSearch search(task.Root(), table, 0);
+    ASSERT_EQ(search.Search(ENOUGH), TProofSearch::EAnswer::Mate);
+    const auto key = search.Confirm();
+    ASSERT_TRUE(key.has_value());
+    EXPECT_TRUE(task.IsSolution(*key));
+}
+
 /// Any moves to try early or late, of the first two moves or in general.
 std::string RandomIndications(std::mt19937& random, const TChessboard& root)
 {
