@@ -70,13 +70,20 @@ constexpr TPredefinedLine g_aLines[] = {
      "Kg3-g2 Ke3-f4 7. Bd3-f5 Kf4-e3 8. Kg2-f1 Ke3-f4 9. Kf1-f2 Bd6-c5 10. Kf2-g2 Kf4-e3 11. "
      "Kg2-f1 Ke3-f4 12. Nf6-h5+ Kf4-e3 13. Be7:c5+ Nb5-d4 14. Bc5:d4#"},
     {"8/1p4Pp/1p6/1p6/1p5p/5r1k/5p1p/5Kbr", nullptr},
-    {"2b3BB/r2p4/p3P3/1n1N1kpP/2r1N1p1/R2P4/2q1P2P/4b2K", nullptr},
-    {"5r1b/1pR4n/5kp1/1pNp2p1/R2P1P1P/4N1Pr/2P5/K4b2", nullptr},
+    {"2b3BB/r2p4/p3P3/1n1N1kpP/2r1N1p1/R2P4/2q1P2P/4b2K",
+     "1. Nd5-e3+ Kf5-f4 2. Ne3-g2+ Kf4-f5 3. Ra3:a6 g4-g3 4. h2-h3 Bc8:a6 5. Ng2-e3+ Kf5-f4 6. "
+     "Ne3-d5+ Kf4-f5 7. Bg8-h7+ Kf5:e6 8. Bh7-g8+ Ke6-f5 9. Nd5-e3+ Kf5-f4 10. Ne3-g2+ Kf4-f5 11. "
+     "Ne4-c5 g5-g4 12. h3-h4 Be1-f2 13. Bg8-h7#"},
+    {"5r1b/1pR4n/5kp1/1pNp2p1/R2P1P1P/4N1Pr/2P5/K4b2",
+     "1. Ne3-g4+ Kf6-f5 2. Ng4-h6+ Kf5-f6 3. Ra4-a8 Rf8:a8 4. Ka1-b1 Ra8-f8 5. Nh6-g4+ Kf6-f5 6. "
+     "Ng4-e3+ Kf5-f6 7. Ne3:d5+ Kf6-f5 8. Nd5-e3+ Kf5-f6 9. Nc5-e4+ Kf6-e6 10. d4-d5#"},
     {"n7/p4RB1/2p1R1B1/r1p3P1/P1P3Pp/2Pp3P/bnP2pNK/3r1k2", nullptr},
     {"7r/p1N1Pb1B/P2p3r/3P1Pp1/3B2Pb/p1Pk1Pp1/P2N2Rp/7K",
      "1. f5-f6+ Rh6:h7 2. Nd2-e4 Kd3-c4 3. Ne4:d6+ Kc4-d3 4. Nd6-e4 Kd3-c4 5. Ne4-d2+ Kc4-d3 6. "
      "Nd2-b3 Kd3-c4 7. Nb3-a5+ Kc4-d3 8. Na5-c6 Kd3-c4 9. Nc6-e5#"},
-    {"rb2k3/2p1p1P1/2P4n/PpQP3r/bR2p3/6Bp/1npP4/4K2R", nullptr},
+    {"rb2k3/2p1p1P1/2P4n/PpQP3r/bR2p3/6Bp/1npP4/4K2R",
+     "1. 0-0 c2-c1Q 2. Qc5:c1 Bb8-a7 3. d2-d4 0-0-0 4. Qc1-f4 h3-h2 5. Kg1-h1 Ba7-b8 6. g7-g8Q "
+     "Rh5:d5 7. Qg8:d8+ Rd5:d8 8. Qf4-e5 Nb2-c4 9. Qe5-e6+ Rd8-d7 10. Qe6:d7#"},
     {"3Q4/r1pP4/n3p3/BNprpbR1/4kbN1/1P3pP1/1nR2p2/5B1K",
      "1. Ng4-f6+ Ke4-e3 2. Nf6:d5+ e6:d5 3. Ba5-d2+ Ke3-e4 4. g3:f4 Nb2-c4 5. Qd8-f6 Bf5-h7 6. "
      "Rc2:c4+ d5:c4 7. Rg5:e5#"},
@@ -87,7 +94,9 @@ constexpr TPredefinedLine g_aLines[] = {
      "1. Qh6-e3 Bf5-e6 2. f3-f4+ Kh3-g4 3. Qe3-g3+ Kg4-f5 4. Qg3-g5+ Kf5-e4 5. Qg5:e5+ Ke4-f3 6. "
      "Qe5-e3+ Kf3-g4 7. Qe3-g3+ Kg4-f5 8. Qg3:d3+ Kf5-g4 9. Qd3-g3+ Kg4-f5 10. Qg3-h3+ Kf5-e4 11. "
      "Qh3-e3+ Ke4-f5 12. Qe3-e5+ Kf5-g4 13. Qe5-g5+ Kg4-f3 14. Qg5-g2#"},
-    {"3n4/K1B2P1q/2p1N1pp/6p1/1p1p2B1/1p1rkP2/R1PbN1R1/3r4", nullptr},
+    {"3n4/K1B2P1q/2p1N1pp/6p1/1p1p2B1/1p1rkP2/R1PbN1R1/3r4",
+     "1. Ne2-f4 Rd1-e1 2. Ra2-a5 Nd8:f7 3. Ra5-a1 Re1:a1 4. Ka7-b6 Ra1-e1 5. Nf4-d5+ c6:d5 6. "
+     "Bc7-f4+ g5:f4 7. Ne6-c7 Re1-e2 8. Nc7:d5#"},
     {"7R/n1p1pBk1/2r2pP1/1qN5/3rP1PP/4p1Kb/1Bn5/bQ6",
      "1. Rh8-g8+ Kg7-h6 2. Qb1-f1 Qb5:f1 3. Rg8-h8+ Kh6-g7 4. Rh8-h7+ Kg7-f8 5. Nc5-d7+ Rd4:d7 6. "
      "Rh7-h8+ Kf8-g7 7. Rh8-g8+ Kg7-h6 8. g4-g5+ Kh6-h5 9. Rg8-h8#"},
