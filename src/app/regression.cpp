@@ -4,6 +4,7 @@
 #include "app/mirror.h"
 #include "chess/moveset.h"
 #include "chess/notation.h"
+#include "platform/signals.h"
 #include "platform/watchdog.h"
 
 #include <algorithm>
@@ -79,7 +80,7 @@ private:
 
 bool IsRunning()
 {
-    return g_bRegressionTestRunning && !TWatchdog::WasInterrupted();
+    return g_bRegressionTestRunning && !WasInterrupted();
 }
 
 /// A problem as its mirror image, as long as the object lives.
@@ -249,7 +250,7 @@ private:
             corvina::Solve(request, SettingsOf(request));
         }
         using namespace std::chrono;
-        const auto elapsed = steady_clock::now() - request.m_tFirstMoveStart;
+        const auto elapsed = request.Now() - request.m_tFirstMoveStart;
         // What a stop by the user has left is no result.
         return IsRunning() ? WriteResult(request, duration_cast<milliseconds>(elapsed).count())
                            : EVerdict::Unchecked;

@@ -38,7 +38,7 @@ int RunDefend(const TDefendOptions& options)
     *request.m_pChessboard = BoardOfFen(options.m_strFen);
     // Black's reply comes on top of White's moves.
     request.m_nRequestedMoves = static_cast<std::uint16_t>(2 * options.m_nMate);
-    const auto pWatchdog = StopAfter(request, options.m_dSeconds);
+    const TTimeLimit limit(request, options.m_dSeconds);
     const TDefenceOutcome outcome = FindBestDefence(request, options.m_bThorough);
     std::printf("%s\n", outcome.m_strText.c_str());
     if (!outcome.m_bSettledAtOnce)

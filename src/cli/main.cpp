@@ -1,5 +1,6 @@
 #include "chess/exception.h"
 #include "cli/commands.h"
+#include "platform/signals.h"
 
 #include <CLI/CLI.hpp>
 
@@ -19,6 +20,7 @@ int ExitOnParse(const CLI::App& app, const CLI::ParseError& error)
 
 int main(int argc, char** argv)
 {
+    const corvina::TSignalThread signals;
     CLI::App app("Corvina: finds every first move of White that forces mate in n moves.",
                  "corvina-cli");
     app.set_version_flag("--version", "corvina-cli " CORVINA_VERSION);

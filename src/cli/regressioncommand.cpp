@@ -3,7 +3,7 @@
 #include "cli/fileoptions.h"
 #include "cli/knowncomposition.h"
 #include "platform/appfolder.h"
-#include "platform/watchdog.h"
+#include "platform/signals.h"
 
 #include <CLI/CLI.hpp>
 
@@ -57,7 +57,7 @@ int RunRegression(TRegressionArguments& arguments)
         return EXIT_BAD_INPUT;
     if (counts.m_nFailed != 0)
         return EXIT_NO_SOLUTION;
-    return TWatchdog::WasInterrupted() ? EXIT_STOPPED : 0;
+    return WasInterrupted() ? EXIT_STOPPED : 0;
 }
 
 } // namespace

@@ -6,7 +6,7 @@
 #include "cli/fileoptions.h"
 #include "cli/knowncomposition.h"
 #include "platform/encoding.h"
-#include "platform/watchdog.h"
+#include "platform/signals.h"
 
 #include <nlohmann/json.hpp>
 
@@ -76,7 +76,7 @@ nlohmann::ordered_json JsonHead(const TProblem& problem, const TSolveOptions& op
     return line;
 }
 
-void PrintResult(const TSolveRequest& request, const TSolveOutcome& outcome, EVerdict verdict,
+void PrintResult(const TSolveRequest& request, const TSolvedTask& outcome, EVerdict verdict,
                  const std::vector<TPassReport>& vecPasses,
                  const std::vector<TVerifiedKey>& vecKeys, const TSolveOptions& options)
 {
@@ -136,7 +136,7 @@ public:
         try {
             CheckLength(request);
             std::vector<TPassReport> vecPasses;
-            const TSolveOutcome outcome = SolveWithOptions(request, m_options, vecPasses);
+            const TSolvedTask outcome = SolveWithOptions(request, m_options, vecPasses);
             const EVerdict verdict = Compare(request, outcome);
             const auto vecKeys = VerifySolutions(request, outcome, m_options);
             PrintResult(request, outcome, verdict, vecPasses, vecKeys, m_options);
@@ -217,7 +217,7 @@ int SolveCollection(const std::string& strPath, const std::vector<std::int32_t>&
     }
     CCollectionRun run(options, !vecNumbers.empty());
     for (const auto& [nNumber, pProblem] : collection.m_mapProblems) {
-        if (IsWanted(nNumber, vecNumbers) && !TWatchdog::WasInterrupted())
+        if (IsWanted(nNumber, vecNumbers) && !WasInterrupted())
             run.Solve(*pProblem);
     }
     return WorseExitCode(nExitCode, run.Finish());

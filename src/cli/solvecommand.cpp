@@ -4,7 +4,7 @@
 #include "cli/solvecollection.h"
 #include "cli/solving.h"
 #include "cli/task.h"
-#include "platform/watchdog.h"
+#include "platform/signals.h"
 #include "problems/lexer.h"
 
 #include <CLI/CLI.hpp>
@@ -31,7 +31,7 @@ struct TSolveArguments
     TProblemFileSettings m_fileSettings;
 };
 
-void PrintJson(const TTask& task, const TSolveRequest& request, const TSolveOutcome& outcome,
+void PrintJson(const TTask& task, const TSolveRequest& request, const TSolvedTask& outcome,
                const std::vector<TPassReport>& vecPasses, const std::vector<TVerifiedKey>& vecKeys,
                const TSolveOptions& options)
 {
@@ -44,7 +44,7 @@ void PrintJson(const TTask& task, const TSolveRequest& request, const TSolveOutc
     std::printf("%s\n", line.dump().c_str());
 }
 
-void PrintText(const TTask& task, const TSolveRequest& request, const TSolveOutcome& outcome,
+void PrintText(const TTask& task, const TSolveRequest& request, const TSolvedTask& outcome,
                const std::vector<TVerifiedKey>& vecKeys, const TSolveOptions& options)
 {
     std::printf("%s  #%d%s\n", task.m_strFen.c_str(), task.m_nMate,
@@ -63,7 +63,7 @@ int SolveTask(const TTask& task, const TSolveOptions& options)
     *request.m_pChessboard = BoardOfFen(task.m_strFen);
     request.SetMateIn(task.m_nMate);
     std::vector<TPassReport> vecPasses;
-    const TSolveOutcome outcome = SolveWithOptions(request, options, vecPasses);
+    const TSolvedTask outcome = SolveWithOptions(request, options, vecPasses);
     const auto vecKeys = VerifySolutions(request, outcome, options);
     if (options.m_bJson)
         PrintJson(task, request, outcome, vecPasses, vecKeys, options);
@@ -87,7 +87,7 @@ int SolveLines(std::istream& input, const std::string& strName, const TSolveOpti
 {
     int nExitCode = EXIT_NO_SOLUTION;
     std::string strLine;
-    for (int nLine = 1; std::getline(input, strLine) && !TWatchdog::WasInterrupted(); ++nLine) {
+    for (int nLine = 1; std::getline(input, strLine) && !WasInterrupted(); ++nLine) {
         const auto first = strLine.find_first_not_of(" \t\r");
         if (first == std::string::npos || strLine[first] == '#')
             continue;
@@ -155,6 +155,8 @@ void AddSolveCommand(CLI::App& app, int& nExitCode)
         ->excludes(pFirst);
     pCommand->add_flag("--json", options.m_bJson, "print one JSON object a position");
     AddSolveOptions(*pCommand, options);
+    for (const char* pName : {"--brute-force", "--hybrid"})
+        pCommand->get_option(pName)->excludes(pFirst);
     AddPredefinedOption(*pCommand, pArguments->m_predefined);
     AddFileOptions(*pCommand, pArguments->m_fileSettings);
     pCommand->callback([pArguments, &nExitCode] { nExitCode = RunSolve(*pArguments); });

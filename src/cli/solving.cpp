@@ -1,12 +1,14 @@
 #include "cli/solving.h"
 
+#include "app/outcometext.h"
 #include "chess/notation.h"
 #include "cli/commands.h"
+#include "cli/solverun.h"
 #include "cli/task.h"
 #include "heuristics/positionanalysis.h"
 #include "heuristics/setreader.h"
 #include "heuristics/settext.h"
-#include "platform/watchdog.h"
+#include "platform/signals.h"
 
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
@@ -166,6 +168,19 @@ void AddSolveOptions(CLI::App& command, TSolveOptions& options)
                      "each thread writes all that it analyses to MovesLogger_problem<number>_"
                      "thread<number>.log in the working folder (as the option LogMoves): slow, and "
                      "the files grow large");
+    CLI::Option* pBrute = command.add_flag(
+        "--brute-force", options.m_bBruteForce,
+        "all solutions without heuristics, in groups of two threads: to show that there are none "
+        "(--threads N^L in the place of half the processors on two levels)");
+    command
+        .add_flag("--hybrid", options.m_bHybrid,
+                  "the first solution as usual, then brute force for further ones")
+        ->excludes(pBrute);
+    command.add_flag("--threats", options.m_bThreats,
+                     "tell what White threatens after the key, if there is but one");
+    command.add_flag("--show-settings", options.m_bShowSettings,
+                     "tell on standard error the settings of a run as it begins");
+    command.add_option("--log", options.m_strLog, "add a line for each run to this file");
     command.add_flag("--no-register", options.m_bNoRegister,
                      "search without memory of positions, for comparison");
     command.add_flag("--verify", options.m_bVerify,
@@ -173,8 +188,8 @@ void AddSolveOptions(CLI::App& command, TSolveOptions& options)
     command.add_flag("--plain", options.m_bPlain, "search by the plain recursion, for comparison");
 }
 
-TSolveOutcome SolveWithOptions(TSolveRequest& request, const TSolveOptions& options,
-                               std::vector<TPassReport>& vecPasses)
+TSolvedTask SolveWithOptions(TSolveRequest& request, const TSolveOptions& options,
+                             std::vector<TPassReport>& vecPasses)
 {
     // The note must not mix with a result that a program reads.
     request.m_pChessboard->CheckFigureLimits(nullptr, options.m_bJson ? stderr : stdout);
@@ -196,14 +211,14 @@ TSolveOutcome SolveWithOptions(TSolveRequest& request, const TSolveOptions& opti
             output.Print(PassText(report));
     };
 
-    const auto pWatchdog = StopAfter(request, options.m_dSeconds);
-    const TSolveOutcome outcome = Solve(request, settings);
+    const TSolvedTask solved = RunControlled(request, settings, options, output);
+    const TSolveOutcome& outcome = solved;
     if (request.m_analysisSeconds)
         output.Print(AnalysisShare(*request.m_analysisSeconds, outcome.m_elapsed.count()));
     if (request.m_bFoundByScout)
         output.Print("Scout: 1." + PrintMove(outcome.m_vecSolutions[0], *request.m_pChessboard) +
                      " proved, " + std::to_string(request.m_nScoutPositions) + " positions");
-    return outcome;
+    return solved;
 }
 
 std::string Joined(const std::vector<std::string>& vecTexts, const char* pSeparator)
@@ -220,6 +235,11 @@ std::vector<std::string> MoveTexts(const TProblem& problem, const std::vector<TM
     for (const TMove& move : vecMoves)
         vecTexts.push_back(PrintMove(move, *problem.m_pChessboard));
     return vecTexts;
+}
+
+const char* RunName(int nRunWord)
+{
+    return nRunWord == RUN_WORD_HYBRID ? "hybrid brute force" : "brute force";
 }
 
 const char* ResultWord(const TSolveOutcome& outcome)
@@ -267,10 +287,10 @@ std::vector<TVerifiedKey> VerifySolutions(TSolveRequest& request, const TSolveOu
                                           const TSolveOptions& options)
 {
     std::vector<TVerifiedKey> vecKeys;
-    if (!options.m_bVerify || TWatchdog::WasInterrupted())
+    if (!options.m_bVerify || WasInterrupted())
         return vecKeys;
     request.ClearStopState();
-    const auto pWatchdog = StopAfter(request, options.m_dSeconds);
+    const TTimeLimit limit(request, options.m_dSeconds);
     for (const TMove& move : outcome.m_vecSolutions) {
         TVerifiedKey key{PrintMove(move, *request.m_pChessboard), VerifyKey(request, move), {}};
         key.m_vecRefutation = LineTexts(request, key.m_verification.m_vecRefutation);
@@ -309,11 +329,15 @@ void PrintVerification(const std::vector<TVerifiedKey>& vecKeys)
 }
 
 void AddResultTo(nlohmann::ordered_json& line, const TSolveRequest& request,
-                 const TSolveOutcome& outcome, const std::vector<TPassReport>& vecPasses,
+                 const TSolvedTask& outcome, const std::vector<TPassReport>& vecPasses,
                  const std::vector<TVerifiedKey>& vecKeys)
 {
     line["result"] = ResultWord(outcome);
     line["solutions"] = MoveTexts(request, outcome.m_vecSolutions);
+    if (!outcome.m_strThreats.empty())
+        line["threats"] = outcome.m_strThreats;
+    if (outcome.m_nRunWord >= RUN_WORD_BRUTE_FORCE)
+        line["run"] = RunName(outcome.m_nRunWord);
     line["doubtful"] = outcome.m_bDoubtful;
     if (outcome.m_bInfluencedByHand)
         line["influencedByHand"] = true;
@@ -343,20 +367,15 @@ void PrintNotes(const TSolveRequest& request, const TSolveOutcome& outcome,
 {
     if (outcome.m_bInfluencedByHand)
         std::printf("\t* the run was influenced by hand: solutions may be missing\n");
-    const THeuristicSet& set = request.m_heuristicSet;
-    if (set.m_nHeuristics == 0 || outcome.m_bStopped)
-        return;
-    if (outcome.m_bDoubtful && !set.m_params.m_bRunPass2)
-        std::printf("\t* pass without heuristics has been skipped (on user's request)\n");
-    if (options.m_bNoRelax)
-        std::printf("\t* there was only one pass with heuristcs (relaxation of heuristics was "
-                    "switched off by user's request)\n");
+    if (!outcome.m_bStopped)
+        std::fputs(SkippedPassesText(request, outcome, options.m_bNoRelax).c_str(), stdout);
 }
 
-void PrintSolutions(const TSolveRequest& request, const TSolveOutcome& outcome)
+void PrintSolutions(const TSolveRequest& request, const TSolvedTask& outcome)
 {
-    for (const std::string& strMove : MoveTexts(request, outcome.m_vecSolutions))
-        std::printf("  1.%s\n", strMove.c_str());
+    for (const TMove& move : outcome.m_vecSolutions)
+        std::printf("  1.%s%s\n", PrintMove(move, *request.m_pChessboard).c_str(),
+                    outcome.m_strThreats.empty() ? "" : (" " + outcome.m_strThreats).c_str());
     const std::size_t nSolutions = outcome.m_vecSolutions.size();
     if (outcome.m_bStopped)
         std::printf("  stopped, %zu found so far", nSolutions);
@@ -365,6 +384,8 @@ void PrintSolutions(const TSolveRequest& request, const TSolveOutcome& outcome)
     else
         std::printf("  %zu solution%s%s", nSolutions, nSolutions == 1 ? "" : "s",
                     request.m_nSearchMode & SEARCH_FIRST ? " (the first)" : "");
+    if (outcome.m_nRunWord >= RUN_WORD_BRUTE_FORCE)
+        std::printf(", %s", RunName(outcome.m_nRunWord));
 }
 
 } // namespace corvina

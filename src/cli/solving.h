@@ -42,18 +42,29 @@ struct TSolveOptions
     /// one.
     std::string m_strThreads;
     EProgressForm m_progress = EProgressForm::Auto;
-    bool m_bLogMoves = false;    ///< as the option LogMoves
-    int m_nSchedulerLevels = -1; ///< -1: what the problem asks for, or none
+    bool m_bLogMoves = false; ///< as the option LogMoves
+    bool m_bBruteForce = false, m_bHybrid = false;
+    bool m_bThreats = false;      ///< tell what the key threatens
+    bool m_bShowSettings = false; ///< tell the settings of a run
+    std::string m_strLog;         ///< path of the log; empty: none
+    int m_nSchedulerLevels = -1;  ///< -1: what the problem asks for, or none
     TOptions m_programOptions;
 };
 
 /// The command line's options of a run.
 void AddSolveOptions(CLI::App& command, TSolveOptions& options);
 
+/// A run and what is told of it beside.
+struct TSolvedTask : TSolveOutcome
+{
+    std::string m_strThreats; ///< of a single key, in words
+    int m_nRunWord = 0;       ///< RUN_WORD_...
+};
+
 /// Solves a request, tells each pass with its set as it ends, and notes the passes; an interruption
 /// by the user stops it as the time does. Throws ChessException as Solve does.
-TSolveOutcome SolveWithOptions(TSolveRequest& request, const TSolveOptions& options,
-                               std::vector<TPassReport>& vecPasses);
+TSolvedTask SolveWithOptions(TSolveRequest& request, const TSolveOptions& options,
+                             std::vector<TPassReport>& vecPasses);
 
 /// 0 to 3, as the program exits after the run.
 int ExitCodeOf(const TSolveOutcome& outcome);
@@ -81,13 +92,16 @@ std::string Joined(const std::vector<std::string>& vecTexts, const char* pSepara
 /// Moves of White in the position of a problem, in full notation.
 std::vector<std::string> MoveTexts(const TProblem& problem, const std::vector<TMove>& vecMoves);
 
+/// Of a run by brute force, for the user.
+const char* RunName(int nRunWord);
+
 /// "solved", "none", "stopped", or "doubtful" when the last pass has been switched off.
 const char* ResultWord(const TSolveOutcome& outcome);
 
 /// The members of a JSON object that a run gives: the result, its solutions, passes, time and
 /// positions.
 void AddResultTo(nlohmann::ordered_json& line, const TSolveRequest& request,
-                 const TSolveOutcome& outcome, const std::vector<TPassReport>& vecPasses,
+                 const TSolvedTask& outcome, const std::vector<TPassReport>& vecPasses,
                  const std::vector<TVerifiedKey>& vecKeys);
 
 /// What keeps the outcome from being a proof; a line each.
@@ -95,7 +109,7 @@ void PrintNotes(const TSolveRequest& request, const TSolveOutcome& outcome,
                 const TSolveOptions& options);
 
 /// Prints a line for each solution and the start of a line that counts them.
-void PrintSolutions(const TSolveRequest& request, const TSolveOutcome& outcome);
+void PrintSolutions(const TSolveRequest& request, const TSolvedTask& outcome);
 
 } // namespace corvina
 

@@ -46,14 +46,24 @@ TChessboard BoardOfFen(const std::string& strFen)
     return board;
 }
 
-std::unique_ptr<TWatchdog> StopAfter(TSolveRequest& request, std::optional<double> dSeconds)
+std::optional<TWatchdog::TClock::duration> TimeLimitOf(std::optional<double> dSeconds)
 {
-    std::optional<TWatchdog::TClock::duration> timeLimit;
-    if (dSeconds)
-        timeLimit = std::chrono::duration_cast<TWatchdog::TClock::duration>(
-            std::chrono::duration<double>(*dSeconds));
-    return std::make_unique<TWatchdog>(
-        timeLimit, [&request] { request.SetStopState(TStopBlock::STOP, TStopBlock::ALL_THREADS); });
+    if (!dSeconds)
+        return std::nullopt;
+    return std::chrono::duration_cast<TWatchdog::TClock::duration>(
+        std::chrono::duration<double>(*dSeconds));
+}
+
+TTimeLimit::TTimeLimit(TSolveRequest& request, std::optional<double> dSeconds)
+    : m_handlers({{},
+                  [&request] { request.SetStopState(TStopBlock::PAUSE, TStopBlock::ALL_THREADS); },
+                  [&request] { request.SetStopState(TStopBlock::RUN, TStopBlock::ALL_THREADS); },
+                  {}}),
+      m_watchdog(
+          TimeLimitOf(dSeconds),
+          [&request] { request.SetStopState(TStopBlock::STOP, TStopBlock::ALL_THREADS); },
+          [&request] { return request.Now(); })
+{
 }
 
 } // namespace corvina

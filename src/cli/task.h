@@ -2,9 +2,9 @@
 #define CORVINA_CLI_TASK_H
 
 #include "chess/chessboard.h"
+#include "platform/signals.h"
 #include "platform/watchdog.h"
 
-#include <memory>
 #include <optional>
 #include <string>
 
@@ -26,8 +26,19 @@ TTask ReadTaskLine(const std::string& strLine);
 TChessboard BoardOfFen(const std::string& strFen);
 
 /// Stops the run of the request after so many seconds, and when the user interrupts the program, as
-/// long as the object lives.
-std::unique_ptr<TWatchdog> StopAfter(TSolveRequest& request, std::optional<double> dSeconds);
+/// long as the object lives. The time for which the process is stopped doesn't count.
+class TTimeLimit
+{
+public:
+    TTimeLimit(TSolveRequest& request, std::optional<double> dSeconds);
+
+private:
+    TSignalHandlersHold m_handlers;
+    TWatchdog m_watchdog;
+};
+
+/// The time as watchdogs take it.
+std::optional<TWatchdog::TClock::duration> TimeLimitOf(std::optional<double> dSeconds);
 
 } // namespace corvina
 

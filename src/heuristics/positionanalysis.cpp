@@ -269,7 +269,7 @@ TAnalysis::TAnalysis(const TChessboard& root)
 
 TPositionAnalysis CheckPositionType(const TChessboard& root)
 {
-    const auto start = std::chrono::steady_clock::now();
+    const auto start = root.m_pRequest->Now();
     TAnalysis a(root);
     RunSteps(a);
     TPositionAnalysis result;
@@ -288,8 +288,7 @@ TPositionAnalysis CheckPositionType(const TChessboard& root)
     result.m_facts = a.m_facts;
     result.m_vecTrials = a.m_trials.All();
     result.m_nPositions = a.m_trials.Positions();
-    result.m_dSeconds =
-        std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    result.m_dSeconds = std::chrono::duration<double>(root.m_pRequest->Now() - start).count();
     return result;
 }
 

@@ -35,8 +35,7 @@ bool IsAcceptedByTime(TRelaxation& r)
     if (!r.m_pRequest)
         return false;
     TSolveRequest& request = *r.m_pRequest;
-    const auto end =
-        request.m_passEndTick.NoteEnd(r.m_context.m_nPassIndex, std::chrono::steady_clock::now());
+    const auto end = request.m_passEndTick.NoteEnd(r.m_context.m_nPassIndex, request.Now());
     const auto calcTime = std::chrono::duration_cast<TMilliseconds>(end - request.m_tStart);
     const bool bAccepted = calcTime < TIME_LIMIT;
     NoteNearLimit(request, calcTime, bAccepted);

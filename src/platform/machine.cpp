@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <ctime>
 #include <fstream>
 #include <set>
 #include <string>
@@ -47,6 +48,21 @@ unsigned GetProcessorCores()
                                    : static_cast<unsigned>(setSiblings.size());
     }();
     return nCores;
+}
+
+std::string GetLocalTimeText()
+{
+    const std::time_t now = std::time(nullptr);
+    std::tm local{};
+    localtime_r(&now, &local);
+    char text[32];
+    std::strftime(text, sizeof text, "%Y-%m-%d %H:%M:%S", &local);
+    return text;
+}
+
+int GetProcessNumber()
+{
+    return getpid();
 }
 
 std::uint64_t GetTickMilliseconds()

@@ -2,6 +2,7 @@
 #define CORVINA_PLATFORM_MACHINE_H
 
 #include <cstdint>
+#include <string>
 
 namespace corvina
 {
@@ -14,6 +15,12 @@ unsigned GetProcessorCores();
 
 /// Processors online, those of one core counted each. At least 1.
 unsigned GetLogicalProcessors();
+
+/// "2026-03-04 17:00:00", local time.
+std::string GetLocalTimeText();
+
+/// Of the running process.
+int GetProcessNumber();
 
 /// Milliseconds on a clock that never runs backwards; only differences mean something.
 std::uint64_t GetTickMilliseconds();

@@ -1,6 +1,8 @@
 #include "platform/watchdog.h"
 
-#include <csignal>
+#include "platform/signals.h"
+
+#include <algorithm>
 #include <utility>
 
 namespace corvina
@@ -11,25 +13,16 @@ namespace
 /// An interruption is seen within this time.
 constexpr auto POLL_INTERVAL = std::chrono::milliseconds(20);
 
-volatile std::sig_atomic_t g_bInterrupted = 0;
-
-/// The first interruption asks the run to end in good order, a second one ends the process.
-void OnInterrupt(int nSignal)
-{
-    g_bInterrupted = 1;
-    std::signal(nSignal, SIG_DFL);
-}
-
 } // namespace
 
-TWatchdog::TWatchdog(std::optional<TClock::duration> timeLimit, std::function<void()> onExpiry)
-    : m_onExpiry(std::move(onExpiry))
+TWatchdog::TWatchdog(std::optional<TClock::duration> timeLimit, std::function<void()> onExpiry,
+                     std::function<TClock::time_point()> clock)
+    : m_onExpiry(std::move(onExpiry)), m_clock(std::move(clock))
 {
-    static const auto installed = std::signal(SIGINT, OnInterrupt);
-    static_cast<void>(installed);
+    TakeInterrupts();
     std::optional<TClock::time_point> deadline;
     if (timeLimit)
-        deadline = TClock::now() + *timeLimit;
+        deadline = m_clock() + *timeLimit;
     m_thread = std::thread([this, deadline] { Watch(deadline); });
 }
 
@@ -43,23 +36,18 @@ TWatchdog::~TWatchdog()
     m_thread.join();
 }
 
-bool TWatchdog::WasInterrupted()
-{
-    return g_bInterrupted;
-}
-
 void TWatchdog::Watch(std::optional<TClock::time_point> deadline)
 {
     std::unique_lock lock(m_mutex);
     while (!m_bEnd) {
-        const TClock::time_point now = TClock::now();
-        const bool bExpired = g_bInterrupted || (deadline && now >= *deadline);
+        const TClock::time_point now = m_clock();
+        const bool bExpired = WasInterrupted() || (deadline && now >= *deadline);
         if (bExpired)
             m_onExpiry();
-        TClock::time_point wake = now + POLL_INTERVAL;
-        if (!bExpired && deadline && *deadline < wake)
-            wake = *deadline;
-        m_condition.wait_until(lock, wake);
+        TClock::duration wait = POLL_INTERVAL;
+        if (!bExpired && deadline)
+            wait = std::min(wait, *deadline - now);
+        m_condition.wait_for(lock, wait);
     }
 }
 

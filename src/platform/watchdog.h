@@ -20,19 +20,18 @@ public:
     using TClock = std::chrono::steady_clock;
 
     /// Without a time only an interruption fires. The function is called on the watchdog's thread.
-    /// The handler of the interruption is installed with the first object and stays.
-    TWatchdog(std::optional<TClock::duration> timeLimit, std::function<void()> onExpiry);
+    /// The time is that of the clock, which may stand still for a while.
+    TWatchdog(std::optional<TClock::duration> timeLimit, std::function<void()> onExpiry,
+              std::function<TClock::time_point()> clock = TClock::now);
     ~TWatchdog();
     TWatchdog(const TWatchdog&) = delete;
     TWatchdog& operator=(const TWatchdog&) = delete;
-
-    /// True once the user has interrupted the process.
-    static bool WasInterrupted();
 
 private:
     void Watch(std::optional<TClock::time_point> deadline);
 
     std::function<void()> m_onExpiry;
+    std::function<TClock::time_point()> m_clock;
     std::mutex m_mutex;
     std::condition_variable m_condition;
     bool m_bEnd = false;

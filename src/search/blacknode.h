@@ -113,7 +113,7 @@ private:
         m_request.m_vecDefenceRecords.clear();
         bool bDoubtful = false;
         for (int i = 0; i < nMoves; ++i) {
-            const auto start = std::chrono::steady_clock::now();
+            const auto start = m_request.Now();
             const std::uint64_t nPositions = m_context.m_nPositions;
             const TSearchResult nResult = TryReply(pMoves[i]);
             if (nResult != RESULT_MATE && m_request.IsStopped(m_context.m_nThreadId))
@@ -121,8 +121,8 @@ private:
             TDefenceRecord record;
             record.m_move = pMoves[i];
             record.m_nPositions = m_context.m_nPositions - nPositions;
-            record.m_nMilliseconds = static_cast<std::uint32_t>(
-                (std::chrono::steady_clock::now() - start) / std::chrono::milliseconds(1));
+            record.m_nMilliseconds = static_cast<std::uint32_t>((m_request.Now() - start) /
+                                                                std::chrono::milliseconds(1));
             const bool bCertain =
                 nResult >= RESULT_NO_MATE || m_board.m_nPass > 1 || m_board.m_nHeuristics == 0;
             bDoubtful |= !bCertain;

@@ -417,16 +417,23 @@ void RunRootThread(TRun& run, std::uint16_t nThreadId)
     run.m_ended.notify_all();
 }
 
+constexpr auto SHORT_WAIT = std::chrono::milliseconds(10);
+
 /// Waits for all threads and reports each second that goes by.
 void WaitForThreads(TRun& run, int nThreads)
 {
     TSolveRequest& request = *run.m_root.m_pRequest;
     std::unique_lock lock(run.m_mutex);
-    for (int nSeconds = 1; run.m_nEnded < nThreads; ++nSeconds) {
+    for (int nSeconds = 1; run.m_nEnded < nThreads;) {
+        // In a pause the time that is left doesn't get less.
         const auto next = request.m_tStart + std::chrono::seconds(nSeconds);
-        const auto done = [&] { return run.m_nEnded == nThreads; };
-        if (!run.m_ended.wait_until(lock, next, done) && request.OnSecond)
+        const auto left = std::max<TStopBlock::TClock::duration>(next - request.Now(), SHORT_WAIT);
+        run.m_ended.wait_for(lock, left, [&] { return run.m_nEnded == nThreads; });
+        if (run.m_nEnded == nThreads || request.Now() < next)
+            continue;
+        if (request.OnSecond)
             request.OnSecond(nSeconds);
+        ++nSeconds;
     }
 }
 
@@ -479,10 +486,10 @@ void ForceThreads(TChessboard& root)
         return;
     request.m_bThreadsForced = true;
     // The time of the question isn't the run's.
-    const auto tAsked = std::chrono::steady_clock::now();
+    const auto tAsked = request.Now();
     if (!request.OnForceThreads || request.OnForceThreads(nThreads))
         request.m_nEffectiveThreads = static_cast<std::uint8_t>(nThreads);
-    const auto asked = std::chrono::steady_clock::now() - tAsked;
+    const auto asked = request.Now() - tAsked;
     request.m_tStart += asked;
     request.m_tFirstMoveStart += asked;
 }

@@ -73,9 +73,10 @@ private:
             if (bLimit || m_outer.IsStoppedForAll())
                 m_request.SetStopState(TStopBlock::STOP, TStopBlock::ALL_THREADS);
         };
-        m_request.OnPositionAnalysed = [stop](const TChessboard* pBoard,
-                                              const TThreadContext& context) {
-            stop(pBoard && context.m_nPositions > MAX_POSITIONS);
+        m_request.OnPositionAnalysed = [this, stop](const TChessboard* pBoard,
+                                                    const TThreadContext& context) {
+            // A pause is waited for.
+            stop((pBoard && context.m_nPositions > MAX_POSITIONS) || m_outer.IsStopped(0));
         };
         // A run that is looked at each second has threads of its own, with stacks for its depth.
         m_request.OnSecond = [stop](int) { stop(false); };

@@ -58,7 +58,7 @@ TProofTable* TScouting::Table()
 TScout::TScout(const TChessboard& root, TScouting& scouting, TThreadContext& context,
                std::function<void(const TMove& key)> onProved)
     : m_root(root), m_scouting(scouting), m_context(context), OnProved(std::move(onProved)),
-      m_tReturned(TClock::now())
+      m_tReturned(m_root.m_pRequest->Now())
 {
     m_context.m_pScout = this;
 }
@@ -70,12 +70,12 @@ TScout::~TScout()
 
 void TScout::Work()
 {
-    TClock::time_point tNow = TClock::now();
+    TClock::time_point tNow = m_root.m_pRequest->Now();
     m_passTime += tNow - m_tReturned;
     const int nShare = m_root.m_nMoves < LONG_PLIES ? SHARE : SHARE_OF_LONG;
     while (m_passTime > HEAD_START && m_scoutTime < nShare * m_passTime && SearchSlice()) {
-        m_scoutTime += TClock::now() - tNow;
-        tNow = TClock::now();
+        m_scoutTime += m_root.m_pRequest->Now() - tNow;
+        tNow = m_root.m_pRequest->Now();
     }
     m_tReturned = tNow;
 }
@@ -168,7 +168,7 @@ bool TScout::TrySideSearch()
 {
     if (m_root.m_nMoves < MIN_SIDE_SEARCH_PLIES || !TSideSearch::CanSearch(m_root))
         return false;
-    const TClock::time_point tStart = TClock::now();
+    const TClock::time_point tStart = m_root.m_pRequest->Now();
     try {
         TakeSideSearches();
         TSide* pSide = FindDueSide();
@@ -179,20 +179,20 @@ bool TScout::TrySideSearch()
     catch (const std::bad_alloc&) {
         m_vecSides.clear();
     }
-    m_sideTime += TClock::now() - tStart;
+    m_sideTime += m_root.m_pRequest->Now() - tStart;
     return true;
 }
 
 void TScout::WorkOnSideSearch(TSide& side)
 {
-    const TClock::time_point tStart = TClock::now();
+    const TClock::time_point tStart = m_root.m_pRequest->Now();
     TSideSearch& search = *side.m_pSearch;
     const std::uint64_t nPositions = search.Positions();
     const TSideSearch::EAnswer answer = search.Search(SLICE);
     if (answer == TSideSearch::EAnswer::Mate)
         ClaimProof([&search] { return search.Confirm(); });
     m_nSidePositions += search.Positions() - nPositions;
-    side.m_time += TClock::now() - tStart;
+    side.m_time += m_root.m_pRequest->Now() - tStart;
     if (answer != TSideSearch::EAnswer::Open)
         m_vecSides.erase(m_vecSides.begin() + (&side - m_vecSides.data()));
 }

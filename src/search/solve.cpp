@@ -29,11 +29,14 @@ std::uint8_t SearchModeOf(const TSolveRequest& request, const TRunSettings& sett
 
 constexpr int MAX_THREADS = 255;
 
-/// The command's number of threads, else the problem's, else that of the settings.
+/// The number of threads that overrides all others, else the command's, else the problem's, else
+/// that of the settings.
 std::uint8_t ThreadsOf(const TSolveRequest& request, const TRunSettings& settings)
 {
     int nThreads = settings.m_nThreads;
-    if (request.m_nForcedThreads)
+    if (settings.m_overrides && settings.m_overrides->m_nThreads)
+        nThreads = *settings.m_overrides->m_nThreads;
+    else if (request.m_nForcedThreads)
         nThreads = request.m_nForcedThreads;
     else if (request.m_nRequestedThreads > 0)
         nThreads = request.m_nRequestedThreads;
@@ -44,17 +47,23 @@ std::uint8_t ThreadsOf(const TSolveRequest& request, const TRunSettings& setting
 std::uint8_t LevelsOf(const TSolveRequest& request, const TRunSettings& settings)
 {
     constexpr int MAX_LEVELS = 64;
-    const int nWanted = request.m_nRequestedMultithreadingLevels;
-    return static_cast<std::uint8_t>(
-        std::clamp(nWanted >= 0 ? nWanted : settings.m_nMultithreadingLevels, 1, MAX_LEVELS));
+    int nLevels = settings.m_nMultithreadingLevels;
+    if (settings.m_overrides && settings.m_overrides->m_nMultithreadingLevels)
+        nLevels = *settings.m_overrides->m_nMultithreadingLevels;
+    else if (request.m_nRequestedMultithreadingLevels >= 0)
+        nLevels = request.m_nRequestedMultithreadingLevels;
+    return static_cast<std::uint8_t>(std::clamp(nLevels, 1, MAX_LEVELS));
 }
 
 std::uint8_t SchedulerLevelsOf(const TSolveRequest& request, const TRunSettings& settings)
 {
     constexpr int MAX_LEVELS = 9;
-    const int nWanted = request.m_shRequestedSchedulerLevels;
-    return static_cast<std::uint8_t>(
-        std::clamp(nWanted >= 0 ? nWanted : settings.m_nSchedulerLevels, 0, MAX_LEVELS));
+    int nLevels = settings.m_nSchedulerLevels;
+    if (settings.m_overrides && settings.m_overrides->m_nSchedulerLevels)
+        nLevels = *settings.m_overrides->m_nSchedulerLevels;
+    else if (request.m_shRequestedSchedulerLevels >= 0)
+        nLevels = request.m_shRequestedSchedulerLevels;
+    return static_cast<std::uint8_t>(std::clamp(nLevels, 0, MAX_LEVELS));
 }
 
 /// Resolves what the run takes from the options.
@@ -66,7 +75,8 @@ void PrepareRun(TSolveRequest& request, const TRunSettings& settings)
     request.m_bInfluencedByHand = false;
     request.m_nPassCount = 0;
     request.m_nPositions = 0;
-    request.m_bSafeMode = !settings.m_bQuickMode || (request.m_nRunOptions & RUN_SAFEMODE);
+    request.m_bSafeMode = !settings.m_bQuickMode || (request.m_nRunOptions & RUN_SAFEMODE) ||
+                          (settings.m_overrides && settings.m_overrides->m_bSafeMode);
     request.m_nMainVariantUse = settings.m_nMainVariantUse;
     if (request.m_nMainVariantUse == 0 && (request.m_nRunOptions & RUN_MAINVARIANTSORTS))
         request.m_nMainVariantUse = 1;
@@ -124,10 +134,10 @@ TSolveOutcome Solve(TSolveRequest& request, const TRunSettings& settings)
 
     const TFoundSolutionsHold hold;
     request.m_pFoundSolutions = request.m_nSearchMode & SEARCH_ALL ? hold.get() : nullptr;
-    request.m_tStart = request.m_tFirstMoveStart = std::chrono::steady_clock::now();
+    request.m_tStart = request.m_tFirstMoveStart = request.Now();
     TSolveOutcome outcome;
     outcome.m_nResult = FindMate(root, outcome.m_vecSolutions);
-    outcome.m_elapsed = std::chrono::steady_clock::now() - request.m_tStart;
+    outcome.m_elapsed = request.Now() - request.m_tStart;
     outcome.m_bStopped = request.m_bCutShort;
     outcome.m_bDoubtful = request.m_bDoubtful;
     outcome.m_bInfluencedByHand = request.m_bInfluencedByHand;

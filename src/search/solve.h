@@ -5,10 +5,18 @@
 
 #include <chrono>
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 namespace corvina
 {
+
+/// What a phase of a brute force run has in the place of everything else that is said of it.
+struct TRunOverrides
+{
+    std::optional<int> m_nThreads, m_nMultithreadingLevels, m_nSchedulerLevels;
+    bool m_bSafeMode = true;
+};
 
 /// Values of the program's options that a run reads.
 struct TRunSettings
@@ -24,6 +32,7 @@ struct TRunSettings
     /// What is known of a composition is made use of. A problem may ask for it by itself.
     bool m_bUsePredefinedSettings = false;
     const TPredefinedTables* m_pPredefinedTables = nullptr; ///< null: Corvina's own
+    std::optional<TRunOverrides> m_overrides;
 };
 
 struct TSolveOutcome

@@ -78,6 +78,8 @@ struct TSolveRequest : TProblem, TStopBlock, TRegisterHost
     std::uint8_t m_nHybridBruteForcePhase = 0;
     bool m_bBruteForce = false;
     bool m_bBruteForceOverrides = false;
+    std::atomic<bool> m_bStoppedByUser{false}; ///< of the last run
+    std::atomic<bool> m_bSolveFinished{true};  ///< no thread of a run is left
     std::atomic<bool> m_bLastMoveStarted{false};
     std::atomic<bool> m_bPassWithoutHeuristics{false};
     bool m_bThreadsForced = false;       ///< the engine has asked for another number; once a run

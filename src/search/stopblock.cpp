@@ -19,9 +19,20 @@ constexpr auto PAUSE_STEP = std::chrono::milliseconds(100);
 
 void TStopBlock::SetState(std::uint8_t nState, std::uint16_t nThread)
 {
+    NotePause(nState == PAUSE && nThread == ALL_THREADS);
     m_nStopThread = nThread;
     m_nStopState = nState;
     m_bAtRest = nState == RUN && m_stoppedThreads.empty();
+}
+
+void TStopBlock::NotePause(bool bPaused)
+{
+    if (bPaused == m_tPaused.has_value())
+        return;
+    const TClock::time_point now = TClock::now();
+    if (!bPaused)
+        m_nPausedTicks += (now - *m_tPaused).count();
+    m_tPaused = bPaused ? std::optional(now) : std::nullopt;
 }
 
 bool TStopBlock::IsToStop(std::uint16_t nThread) const
@@ -113,8 +124,23 @@ void TStopBlock::ClearStopState()
 
 bool TStopBlock::IsStopFor(std::uint16_t nThread) const
 {
+    while (true) {
+        {
+            const std::lock_guard guard(m_bStopLock);
+            const bool bStop = IsToStop(nThread);
+            if (bStop || nThread == ALL_THREADS || m_nStopState != PAUSE || !IsFor(nThread))
+                return bStop;
+        }
+        std::this_thread::sleep_for(PAUSE_STEP);
+    }
+}
+
+TStopBlock::TClock::time_point TStopBlock::Now() const
+{
+    if (m_bAtRest)
+        return TClock::now() - TClock::duration(m_nPausedTicks);
     const std::lock_guard guard(m_bStopLock);
-    return IsToStop(nThread);
+    return m_tPaused.value_or(TClock::now()) - TClock::duration(m_nPausedTicks);
 }
 
 bool TStopBlock::IsPauseFor(std::uint16_t nThread) const

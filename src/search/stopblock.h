@@ -6,6 +6,7 @@
 #include "search/threadset.h"
 
 #include <atomic>
+#include <chrono>
 #include <cstdint>
 #include <optional>
 
@@ -75,7 +76,8 @@ struct TStopBlock
     /// At the start of a run.
     void ClearStopState();
 
-    /// Does a stop concern the thread? The fast path is one plain read.
+    /// Does a stop concern the thread? The fast path is one plain read. A search thread that asks
+    /// for itself waits here while it is paused.
     bool IsStopped(std::uint16_t nThread) const { return !IsAtRest() && IsStopFor(nThread); }
 
     /// Does a pause concern the thread?
@@ -85,6 +87,11 @@ struct TStopBlock
 
     /// Nothing but to run, by one plain read: there is no need to look closer.
     bool IsAtRest() const { return m_bAtRest.load(std::memory_order_relaxed); }
+
+    using TClock = std::chrono::steady_clock;
+
+    /// The time on a clock that stands still while all threads are paused.
+    TClock::time_point Now() const;
 
     /// What a node of the thread with so many half-moves left is to do. A pause is waited for.
     EStopCheck LookAtStop(std::uint16_t nThread, std::uint16_t nDepth) const;
@@ -131,6 +138,12 @@ private:
     void Restore();
     bool IsStopFor(std::uint16_t nThread) const;
     bool IsPauseFor(std::uint16_t nThread) const;
+    void NotePause(bool bPaused);
+
+    // Pauses of all threads: those that are over, in ticks, and the start of the one in force.
+    // Written with m_bStopLock.
+    std::atomic<TClock::rep> m_nPausedTicks{0};
+    std::optional<TClock::time_point> m_tPaused;
 
     /// Neither a state nor a directed stop is in force; written with the lock.
     std::atomic<bool> m_bAtRest{true};
