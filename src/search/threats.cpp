@@ -72,8 +72,11 @@ TThreats FindThreats(TSolveRequest& request, const TMove& key)
 {
     TThreats threats;
     const int nLeft = request.m_pChessboard->m_nMoves - 2;
-    for (int k = 1; k <= std::min(nLeft, MAX_THREAT_PLIES) && !request.IsStoppedForAll(); k += 2) {
+    for (int k = 1; k <= std::min(nLeft, MAX_THREAT_PLIES); k += 2) {
         threats = {GetThreats(request, key, k), k};
+        // Behind a stop some may be missing.
+        if (request.IsStoppedForAll())
+            break;
         if (!threats.m_vecMoves.empty())
             return threats;
     }
