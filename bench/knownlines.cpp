@@ -152,13 +152,27 @@ private:
         return false;
     }
 
-    /// The shortest mate after the reply that is found in the time of a ranking.
+    /// The shortest mate after the reply that is found: short ones for certain, as long as they
+    /// take no more than the time of a ranking, then from the long end.
     int MateAfter(const std::string& strReply, int nMate)
     {
         m_played.Play(strReply);
+        const int nFound = ShortestMate(nMate);
+        m_played.TakeBack();
+        return nFound;
+    }
+
+    int ShortestMate(int nMate) const
+    {
+        for (int n = 1; n < nMate; ++n) {
+            const TAnswer answer = Ask(m_played.Fen(), n, RANKING_SECONDS);
+            if (!answer.m_strKey.empty())
+                return n;
+            if (answer.m_bStopped)
+                break;
+        }
         while (nMate > 1 && !Ask(m_played.Fen(), nMate - 1, RANKING_SECONDS).m_strKey.empty())
             --nMate;
-        m_played.TakeBack();
         return nMate;
     }
 

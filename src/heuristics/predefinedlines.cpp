@@ -136,7 +136,9 @@ constexpr TPredefinedLine g_aLines[] = {
     {"5Q2/8/p7/1p6/8/5K2/3r4/4k1b1", nullptr},
     {"n7/6nb/BB1P1pNq/2PkPN2/5pP1/4pP1p/P1p2bp1/2K5", nullptr},
     {"1b3K2/r1p1B3/2P1p3/1P2k3/8/P1P1NbPp/3N1P2/8",
-     "1. Be7-g5 Ke5-d6 2. Nd2-e4+ Kd6-e5 3. Ne4-c5 h3-h2 4. Kf8-e7 h2-h1Q 5. Bg5-f6#"},
+     "1. Be7-g5 Ke5-d6 2. Nd2-e4+ Kd6-e5 3. Ne4-c5 Ke5-d6 4. Bg5-e7+ Kd6-e5 5. Kf8-f7 Bf3-h5 6. "
+     "Kf7-g7 Bh5-f3 7. a3-a4 h3-h2 8. Be7-f6+ Ke5-d6 9. Kg7-f8 h2-h1Q 10. Nc5-e4+ Bf3:e4 11. "
+     "Bf6-e7+ Kd6-e5 12. f2-f4#"},
     {"K4br1/B1p1pnp1/2p5/k1N1n3/8/p1p5/Np2B3/6R1",
      "1. Ba7-b8 Ka5-b6 2. Nc5-a4+ Kb6-a5 3. Na4:c3 Ka5-b6 4. Nc3-a4+ Kb6-a5 5. Na4-c5 Ka5-b6 6. "
      "Bb8-a7+ Kb6-a5 7. Rg1-g3 b2-b1N 8. Rg3-g4 Ne5:g4 9. Ba7-b8 Ka5-b6 10. Nc5-d7+ Kb6-a5 11. "

@@ -260,7 +260,7 @@ TEST(Cli, ProgressOfARun)
         EXPECT_EQ(vecSeconds[i]["seconds"], i + 1);
         EXPECT_GT(vecSeconds[i]["positions"], i == 0 ? 0 : vecSeconds[0]["positions"].get<int>());
         EXPECT_EQ(vecSeconds[i]["pass"].get<std::string>().front(), '1');
-        EXPECT_GT(vecSeconds[i]["line"].size(), 2u);
+        EXPECT_GT(vecSeconds[i]["line"].size(), 0u);
     }
     // No terminal, no live line.
     EXPECT_EQ(RunCli(strTask).m_strOutput.find('\r'), std::string::npos);
