@@ -1,7 +1,7 @@
 #include "app/solvecontrol.h"
 
 #include "chess/notation.h"
-#include "search/levels.h"
+#include "search/threads/levels.h"
 
 #include <algorithm>
 #include <system_error>

@@ -1,8 +1,8 @@
 #ifndef CORVINA_SEARCH_ENGINECOMMAND_H
 #define CORVINA_SEARCH_ENGINECOMMAND_H
 
-#include "search/stopblock.h"
 #include "search/threadcontext.h"
+#include "search/threads/stopblock.h"
 
 #include <optional>
 

@@ -1,7 +1,7 @@
 #ifndef CORVINA_SEARCH_MATESBESIDEREGISTER_H
 #define CORVINA_SEARCH_MATESBESIDEREGISTER_H
 
-#include "search/prooftable.h"
+#include "search/guides/prooftable.h"
 
 #include <algorithm>
 #include <cstdint>

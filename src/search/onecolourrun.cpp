@@ -3,8 +3,8 @@
 #include "chess/squaresets.h"
 #include "heuristics/onecolour.h"
 #include "search/findmate.h"
+#include "search/guides/proofwalk.h"
 #include "search/nodes.h"
-#include "search/proofwalk.h"
 #include "search/rootsetup.h"
 
 #include <algorithm>

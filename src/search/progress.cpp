@@ -1,7 +1,7 @@
 #include "search/progress.h"
 
 #include "chess/notation.h"
-#include "search/scout.h"
+#include "search/guides/scout.h"
 
 #include <algorithm>
 #include <cmath>

@@ -11,9 +11,9 @@
 #include "search/matesbesideregister.h"
 #include "search/passbook.h"
 #include "search/passendticks.h"
-#include "search/sharingsettings.h"
-#include "search/stopblock.h"
 #include "search/threadcontext.h"
+#include "search/threads/sharingsettings.h"
+#include "search/threads/stopblock.h"
 
 #include <atomic>
 #include <chrono>

@@ -4,7 +4,7 @@
 #include "chess/linecontext.h"
 #include "heuristics/heuristicsparams.h"
 #include "search/logfile.h"
-#include "search/suspension.h"
+#include "search/threads/suspension.h"
 
 #include <array>
 #include <cstdint>
@@ -68,7 +68,7 @@ public:
     TLogFile m_pLog;                  ///< null: not open, or it can't be
     std::uint16_t m_nLogThreadId = 0; ///< the thread for which it was opened
 
-    // Threads below the root (search/levels.h, search/scheduler.h).
+    // Threads below the root (search/threads/levels.h, search/threads/scheduler.h).
     const TThreadContext* m_pOwner = nullptr; ///< of the thread that waits for this one
     /// White nodes with at least so many half-moves left look closer: their moves may be shared, or
     /// the thread is one that can be held.

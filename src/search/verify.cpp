@@ -1,11 +1,11 @@
 #include "search/verify.h"
 
 #include "chess/replies.h"
+#include "search/guides/proofsearch.h"
+#include "search/guides/provedpositions.h"
 #include "search/hooks.h"
 #include "search/nodes.h"
 #include "search/ordering.h"
-#include "search/proofsearch.h"
-#include "search/provedpositions.h"
 #include "search/registeraccess.h"
 #include "search/rootsetup.h"
 #include "search/shortmate.h"

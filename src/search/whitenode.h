@@ -1,17 +1,17 @@
 #ifndef CORVINA_SEARCH_WHITENODE_H
 #define CORVINA_SEARCH_WHITENODE_H
 
+#include "search/guides/scout.h"
 #include "search/hooks.h"
-#include "search/levelthread.h"
 #include "search/line.h"
 #include "search/movelog.h"
 #include "search/progress.h"
 #include "search/registeraccess.h"
-#include "search/scheduler.h"
-#include "search/scout.h"
 #include "search/servestop.h"
 #include "search/shortmate.h"
 #include "search/solverequest.h"
+#include "search/threads/levelthread.h"
+#include "search/threads/scheduler.h"
 
 #include <algorithm>
 #include <optional>

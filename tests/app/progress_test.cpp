@@ -3,7 +3,7 @@
 #include "chess/notation.h"
 #include "heuristics/differential.h"
 #include "heuristics/setreader.h"
-#include "search/sharing.h"
+#include "search/threads/sharing.h"
 
 #include <gtest/gtest.h>
 

@@ -4,7 +4,7 @@
 #include "chess/notation.h"
 #include "heuristics/differential.h"
 #include "heuristics/heuristicbits.h"
-#include "search/sharing.h"
+#include "search/threads/sharing.h"
 #include "support/slowchess.h"
 
 #include <gtest/gtest.h>

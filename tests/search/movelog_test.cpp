@@ -5,7 +5,7 @@
 #include "heuristics/setreader.h"
 #include "search/movelog.h"
 #include "search/rootsetup.h"
-#include "search/sharing.h"
+#include "search/threads/sharing.h"
 #include "support/slowchess.h"
 #include "support/temporaryfolder.h"
 

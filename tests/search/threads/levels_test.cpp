@@ -1,0 +1,307 @@
+#include "chess/fen.h"
+#include "heuristics/differential.h"
+#include "heuristics/heuristicbits.h"
+#include "heuristics/setreader.h"
+#include "search/line.h"
+#include "search/rootsetup.h"
+#include "search/threads/forcethreads.h"
+#include "search/threads/levels.h"
+#include "search/threads/levelthread.h"
+#include "search/threads/sharing.h"
+#include "search/verify.h"
+#include "support/positions.h"
+#include "support/slowchess.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <set>
+#include <thread>
+
+namespace corvina
+{
+namespace
+{
+
+constexpr const char* SETS[] = {
+    "none",
+    "SH_KEEPKINGONTHEEDGE(C1f), SH_DONTLOSEANYFIGURES",
+    "SH_KEEPKINGWITHINEXTEDGE, SH_AREKINGSNEAR",
+    "SH_ASSERTBLACKKINGSURROUNDED",
+    "SH_FINDFORCEDMATE(#1)",
+};
+
+/// Solves the task in the form, for all solutions and for the first one.
+void CheckForm(const TTask& task, const TForm& form, const char* pSet, TCounts& counts)
+{
+    const TLeftBehind left;
+    TSharingRequest request(task.m_board, task.m_nMate);
+    ReadHeuristicsText(pSet, request.m_heuristicSet, &task.m_board);
+    request.m_bBruteForce = form.m_nThreads == 3; // groups of two, then
+    TRunSettings settings = SettingsOf(form);
+    settings.m_bQuickMode = task.m_nMate % 2 == 0;
+    const std::string strText = Describe(task, pSet) + ", " + form.Text();
+    ASSERT_EQ(SortedTexts(Solve(request, settings).m_vecSolutions), task.m_vecSolutions) << strText;
+    counts.Add(request.m_sharingCounts);
+
+    TSharingRequest first(task.m_board, task.m_nMate);
+    ReadHeuristicsText(pSet, first.m_heuristicSet, &task.m_board);
+    settings.m_bStopAtFirstSolution = true;
+    const auto vecFirst = SortedTexts(Solve(first, settings).m_vecSolutions);
+    ASSERT_EQ(vecFirst.empty(), task.m_vecSolutions.empty()) << strText;
+    ASSERT_TRUE(std::includes(task.m_vecSolutions.begin(), task.m_vecSolutions.end(),
+                              vecFirst.begin(), vecFirst.end()))
+        << strText;
+}
+
+TEST(Levels, GroupsAndSchedulersChangeNoSolution)
+{
+    const std::vector<TTask> vecTasks = RandomTasks(31, {0, 0, 16, 4});
+    for (const TForm& form : FORMS) {
+        TCounts counts;
+        for (int nRound = 0; nRound < Rounds(2); ++nRound) {
+            for (std::size_t i = 0; i < vecTasks.size() && !HasFatalFailure(); ++i)
+                CheckForm(vecTasks[i], form, SETS[(i + static_cast<std::size_t>(nRound)) % 5],
+                          counts);
+        }
+        EXPECT_EQ(counts.m_nGroups > 50, form.m_nLevels > 1) << form.Text();
+        EXPECT_EQ(counts.m_nSchedulers > 20, form.m_nSchedulerLevels > 0) << form.Text();
+        EXPECT_EQ(counts.m_nSwitches > 20, form.m_nSchedulerLevels > 0) << form.Text();
+        EXPECT_EQ(counts.m_nFailures, 0u);
+    }
+}
+
+/// Long enough for groups and schedulers where a run has them by itself.
+TEST(Levels, LongTasksAtTheUsualDepths)
+{
+    struct TLongTask
+    {
+        const char* m_pFen;
+        int m_nMate;
+        TForm m_form;
+    };
+    constexpr TLongTask LONG_TASKS[] = {
+        {"8/8/8/8/2k5/8/3K4/3Q4", 8, {2, 2, 0}},
+        {"8/8/8/8/2k5/8/3K4/3Q4", 10, {2, 2, 6}},
+        {"7k/1p5P/4p2K/8/4np1p/8/p5bp/4R3", 10, {2, 1, 6}},
+        {"7k/1p5P/4p2K/8/4np1p/8/p5bp/4R3", 10, {3, 2, 6}},
+    };
+    TCounts counts;
+    for (const TLongTask& task : LONG_TASKS) {
+        const TLeftBehind left;
+        TSolveRequest request;
+        ASSERT_TRUE(ReadFen(*request.m_pChessboard, task.m_pFen));
+        request.SetMateIn(task.m_nMate);
+        TRunSettings settings = SettingsOf(task.m_form);
+        settings.m_bStopAtFirstSolution = true;
+        const TSolveOutcome outcome = Solve(request, settings);
+        counts.Add(request.m_sharingCounts);
+        ASSERT_FALSE(outcome.m_vecSolutions.empty()) << task.m_pFen;
+        request.ClearStopState();
+        EXPECT_TRUE(VerifyKey(request, outcome.m_vecSolutions[0]).m_bHolds) << task.m_pFen;
+    }
+    EXPECT_GT(counts.m_nGroups, 3u);
+    EXPECT_GT(counts.m_nSchedulers, 3u);
+}
+
+/// A run with one thread has no groups; a list of two moves gives a group of two; a width of 100 is
+/// too much for one group.
+TEST(Levels, SizeOfAGroup)
+{
+    TSolveRequest request;
+    TThreadContext context(19);
+    TChessboard& root = *request.m_pChessboard;
+    ASSERT_TRUE(ReadFen(root, "8/8/8/8/2k5/8/3K4/3Q4"));
+    request.SetMateIn(9);
+    root.m_pRequest = &request;
+    root.CheckStartPosition(request.m_nRequestedMoves, true);
+    PutOnThread(root, context);
+    request.m_nThreads = request.m_nEffectiveThreads = 100;
+    request.m_nMultithreadingLevels = 2;
+    context.m_nSpawnWidth = 4;
+    TChessboard& child = context.MakeChild(root);
+    --child.m_nMoves;
+    TChessboard& node = context.MakeChild(child);
+    --node.m_nMoves;
+    const auto bSpawns = [&](int nMoves) { return bool{TSpawnLeave(node, nMoves)}; };
+    EXPECT_EQ(GroupSize(node, 2), 2);
+    EXPECT_EQ(GroupSize(node, 20), 4);
+    context.m_nSpawnWidth = 100;
+    EXPECT_EQ(GroupSize(node, 200), 64);
+    request.m_nEffectiveThreads = 3;
+    EXPECT_EQ(GroupSize(node, 200), 3);
+    EXPECT_TRUE(bSpawns(2));
+    EXPECT_FALSE(bSpawns(1));
+    EXPECT_FALSE(bSpawns(MAX_SHARED_MOVES + 1));
+    EXPECT_FALSE(bool{TSpawnLeave(root, 20)}) << "the root has its own table";
+
+    const auto refused = [&](auto&& value, auto change) {
+        const auto saved = value;
+        value = static_cast<std::remove_reference_t<decltype(value)>>(change);
+        const bool bRefused = !bSpawns(20);
+        value = saved;
+        return bRefused && bSpawns(20);
+    };
+    EXPECT_TRUE(refused(context.m_nSpawnWidth, 0));
+    EXPECT_TRUE(refused(context.m_nQuickerMateNesting, 1));
+    EXPECT_TRUE(refused(context.m_nRefutationNesting, 1));
+    EXPECT_TRUE(refused(context.m_nSortNesting, 1));
+    EXPECT_TRUE(refused(context.m_nBlockPawnsLevel, 7));
+    EXPECT_TRUE(refused(request.m_bRegisterConfirm, true));
+    EXPECT_TRUE(refused(request.m_nMultithreadingLevels, 1));
+    EXPECT_TRUE(refused(request.m_sharing.m_nMinLevelDepth, 16));
+    EXPECT_TRUE(refused(node.m_nHeuristics, SH_ZUGZWANGTRIANGLES));
+
+    // Brute force: groups of two, and beyond the levels while processors are idle.
+    request.m_bBruteForce = true;
+    EXPECT_EQ(GroupSize(node, 200), 2);
+    request.m_nMultithreadingLevels = 1;
+    EXPECT_FALSE(bSpawns(20));
+    request.m_bLastMoveStarted = true;
+    {
+        const TSpawnLeave leave(node, 20);
+        EXPECT_TRUE(bool{leave});
+        EXPECT_EQ(g_nExtraThreads, 1);
+        g_nActiveRootThreads = 1000;
+        EXPECT_FALSE(bSpawns(20)) << "no processor is left";
+        g_nActiveRootThreads = 0;
+    }
+    EXPECT_EQ(g_nExtraThreads, 0);
+    EXPECT_EQ(g_nReservations, 0);
+}
+
+TEST(Levels, AThreadsLineIsItsOwnAndTheSame)
+{
+    constexpr const char* FEN = "r3k2r/8/8/8/8/8/P6P/R3K2R";
+    std::mt19937 random(3);
+    for (int i = 0; i < 50; ++i) {
+        TSolveRequest request;
+        TChessboard& root = *request.m_pChessboard;
+        ASSERT_TRUE(ReadFen(root, FEN));
+        request.SetMateIn(12);
+        root.m_pRequest = &request;
+        root.CheckStartPosition(request.m_nRequestedMoves, true);
+        TThreadContext context(root.m_nMoves);
+        PutOnThread(root, context);
+        TChessboard* p = &root;
+        for (int nPly = 0; nPly < 14; ++nPly) {
+            const std::vector<TMove> vecMoves = LegalMoves(*p);
+            if (vecMoves.empty())
+                break;
+            p = &PlayMove(*p, vecMoves[random() % vecMoves.size()]);
+        }
+        ASSERT_TRUE(IsLineWhole(*p));
+        TChessboard* pCopy = nullptr;
+        TThreadContext copied(context, *p, &pCopy);
+        EXPECT_EQ(IsRegisterable(*pCopy), IsRegisterable(*p));
+        EXPECT_EQ(pCopy->GetCastlingRights(true), p->GetCastlingRights(true));
+        EXPECT_EQ(pCopy->FindEarlierOccurrence() != nullptr, p->FindEarlierOccurrence() != nullptr);
+        EXPECT_TRUE(IsLineWhole(*pCopy));
+        const TChessboard* q = pCopy;
+        for (; p; p = p->m_pParent, q = q->m_pParent) {
+            ASSERT_NE(q, nullptr);
+            EXPECT_NE(q, p);
+            EXPECT_EQ(q->m_pThread, &copied);
+            EXPECT_EQ(WriteFen(*q, true), WriteFen(*p, true));
+        }
+        EXPECT_EQ(q, nullptr);
+    }
+}
+
+TEST(Levels, ResultsOfAGroupAreJoined)
+{
+    const auto outcome = [](TSearchResult nResult, int nDoubtful, int nRepetition, int nDepth) {
+        TLevelOutcome o;
+        o.m_nResult = nResult;
+        o.m_mate.m_from = static_cast<std::uint8_t>(nDepth);
+        o.m_nDoubtful = nDoubtful;
+        o.m_nRepetition = nRepetition;
+        o.m_nRepeatDepth = static_cast<std::uint16_t>(nDepth);
+        return o;
+    };
+    TLevelOutcome joined;
+    for (const int nDepth : {5, 21, 13})
+        joined.Add(outcome(RESULT_NO_MATE, 2, 1, nDepth));
+    EXPECT_EQ(std::tuple(joined.m_nResult, joined.m_nDoubtful, joined.m_nRepetition,
+                         joined.m_nRepeatDepth),
+              std::tuple(RESULT_NO_MATE, 6, 3, 21));
+    TLevelOutcome left;
+    left.m_bGivenUp = true;
+    joined.Add(left);
+    joined.Add(outcome(RESULT_MATE, 0, 0, 9));
+    joined.Add(outcome(RESULT_MATE, 0, 0, 10));
+    EXPECT_EQ(joined.m_nResult, RESULT_MATE);
+    EXPECT_EQ(joined.m_mate.m_from, 9);
+    EXPECT_TRUE(joined.m_bGivenUp);
+
+    constexpr int MOVES = 248, THREADS = 4;
+    TLevelMoves shared;
+    shared.m_nCount = MOVES;
+    std::array<std::vector<int>, THREADS> avecTaken;
+    {
+        std::vector<std::jthread> vecThreads;
+        for (auto& vecTaken : avecTaken)
+            vecThreads.emplace_back([&] {
+                for (int i = TakeNextMove(shared); i < MOVES; i = TakeNextMove(shared))
+                    vecTaken.push_back(i);
+            });
+    }
+    std::multiset<int> setTaken;
+    for (const auto& vecTaken : avecTaken)
+        setTaken.insert(vecTaken.begin(), vecTaken.end());
+    EXPECT_EQ(setTaken.size(), static_cast<std::size_t>(MOVES));
+    EXPECT_EQ(std::set<int>(setTaken.begin(), setTaken.end()).size(), setTaken.size());
+    EXPECT_EQ(TakeNextMove(shared), MOVES);
+}
+
+TEST(Levels, TheEngineForcesAnotherNumberOfThreads)
+{
+    const auto decision = [](const char* pFen, int nMate, int nThreads) {
+        TSolveRequest request;
+        TChessboard& root = *request.m_pChessboard;
+        EXPECT_TRUE(ReadFen(root, pFen));
+        request.SetMateIn(nMate);
+        root.m_pRequest = &request;
+        root.CheckStartPosition(request.m_nRequestedMoves, true);
+        request.m_nThreads = request.m_nEffectiveThreads = static_cast<std::uint8_t>(nThreads);
+        TThreadContext context(root.m_nMoves);
+        PutOnThread(root, context);
+        return ForceThreadsDecision(root, LegalMoves(root));
+    };
+    constexpr const char* CHECKS = "7k/8/8/8/3K4/8/8/QR1RR3"; // the king opens a line
+    constexpr const char* QUIET = "7k/6p1/6P1/8/8/8/8/K1N1N1N1";
+    EXPECT_EQ(decision(CHECKS, 8, 2), -4);
+    EXPECT_EQ(decision(CHECKS, 8, 3), -6);
+    EXPECT_EQ(decision(CHECKS, 7, 2), 0) << "a short task";
+    EXPECT_EQ(decision(CHECKS, 8, 1), 0);
+    EXPECT_EQ(decision(CHECKS, 8, 60), 0) << "fewer moves than that are worth a thread";
+    EXPECT_EQ(decision(QUIET, 8, 3), 0);
+    EXPECT_EQ(decision("7k/8/8/8/8/8/N7/KN1N1N1N", 8, 2), -3)
+        << "many moves and none that promises anything";
+
+    for (const bool bAccept : {false, true}) {
+        TSolveRequest request;
+        ASSERT_TRUE(ReadFen(*request.m_pChessboard, CHECKS));
+        request.SetMateIn(8);
+        int nAsked = 0;
+        request.OnForceThreads = [&](int nThreads) {
+            nAsked += nThreads;
+            std::this_thread::sleep_for(std::chrono::milliseconds(300));
+            return bAccept;
+        };
+        TRunSettings settings = SettingsOf({2, 1, 0});
+        settings.m_bStopAtFirstSolution = true;
+        const TSolveOutcome outcome = Solve(request, settings);
+        EXPECT_EQ(outcome.m_nResult, 1);
+        EXPECT_EQ(nAsked, 4);
+        EXPECT_EQ(request.m_nThreads, 2);
+        EXPECT_EQ(request.m_nEffectiveThreads, bAccept ? 4 : 2);
+        EXPECT_LT(outcome.m_elapsed.count(), 0.3) << "the time of the question isn't the run's";
+        request.m_nRequestedThreads = 2;
+        Solve(request, settings);
+        EXPECT_EQ(nAsked, 4) << "the problem has said how many it wants";
+    }
+}
+
+} // namespace
+} // namespace corvina

@@ -1,0 +1,98 @@
+#ifndef CORVINA_TESTS_SEARCH_THREADS_SHARING_H
+#define CORVINA_TESTS_SEARCH_THREADS_SHARING_H
+
+#include "platform/thread.h"
+#include "search/solve.h"
+#include "search/threads/levels.h"
+#include "search/threads/scheduler.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <string>
+
+/// Runs whose nodes below the root share their moves among threads.
+
+namespace corvina
+{
+
+/// N^L threads and K levels of the scheduler.
+struct TForm
+{
+    int m_nThreads, m_nLevels, m_nSchedulerLevels;
+
+    std::string Text() const
+    {
+        return std::to_string(m_nThreads) + "^" + std::to_string(m_nLevels) + " and " +
+               std::to_string(m_nSchedulerLevels) + " scheduler levels";
+    }
+};
+
+constexpr TForm FORMS[] = {{2, 1, 0}, {4, 1, 0}, {2, 2, 0}, {3, 2, 0},
+                           {2, 3, 0}, {1, 1, 6}, {2, 1, 3}, {4, 2, 6}};
+
+/// So many times as usual; CORVINA_SOAK in the environment asks for more.
+inline int Rounds(int nUsual)
+{
+    const char* pSoak = std::getenv("CORVINA_SOAK");
+    return nUsual * (pSoak ? std::max(1, std::atoi(pSoak)) : 1);
+}
+
+/// A request whose nodes share their moves near the leaves, and whose quanta are as short.
+struct TSharingRequest : TSolveRequest
+{
+    TSharingRequest(const TChessboard& board, int nMate)
+    {
+        *m_pChessboard = board;
+        SetMateIn(nMate);
+        m_nMinRegisterPlies = 0;
+        m_sharing.m_nMinLevelDepth = m_sharing.m_nMinLevelDepthOfMany = 5;
+        m_sharing.m_nMinSchedulerDepth = m_sharing.m_nMinSchedulerDepthOfMany = 5;
+        m_sharing.m_second = std::chrono::microseconds(20);
+    }
+};
+
+inline TRunSettings SettingsOf(const TForm& form)
+{
+    TRunSettings settings;
+    settings.m_nThreads = form.m_nThreads;
+    settings.m_nMultithreadingLevels = form.m_nLevels;
+    settings.m_nSchedulerLevels = form.m_nSchedulerLevels;
+    return settings;
+}
+
+/// Threads and numbers that a run may have left behind.
+class TLeftBehind
+{
+public:
+    ~TLeftBehind()
+    {
+        EXPECT_EQ(CountThreads(), m_nThreads);
+        EXPECT_EQ(g_nSchedulerThreads, 0);
+        EXPECT_EQ(g_nRunningThreads, 0);
+        EXPECT_EQ(g_nActiveRootThreads, 0);
+        EXPECT_EQ(g_nExtraThreads, 0);
+        EXPECT_EQ(g_nReservations, 0);
+    }
+
+private:
+    const int m_nThreads = CountThreads();
+};
+
+struct TCounts
+{
+    std::uint64_t m_nGroups = 0, m_nSchedulers = 0, m_nSwitches = 0, m_nFailures = 0;
+
+    void Add(const TSharingCounts& counts)
+    {
+        m_nGroups += counts.m_nGroups;
+        m_nSchedulers += counts.m_nSchedulers;
+        m_nSwitches += counts.m_nSwitches;
+        m_nFailures += counts.m_nFailures;
+    }
+};
+
+} // namespace corvina
+
+#endif
