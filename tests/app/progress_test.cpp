@@ -93,7 +93,6 @@ TEST(Progress, LinesOfARunCanBePlayed)
         TProgress progress;
         progress.Watch(request);
         progress.PeekAt(0);
-        std::atomic<bool> bEnded{false};
         std::thread watcher([&] {
             TLineContext stack(2 * 8);
             std::uint64_t nPositions = 0;

@@ -481,15 +481,5 @@ TEST(Moves, PassesAndTheRootHaveNoCaptureEnPassant)
     EXPECT_EQ(Texts(Generated(white, 28)), "e4e3");
 }
 
-TEST(Moves, FilterAddsAPassForBlack)
-{
-    TTestLine line("k7/8/8/8/8/8/7p/K1B5 b - - 0 1", 4);
-    line.board.m_moveFilter = TChessboard::FILTER_WHITE_SQUARES_ONLY;
-    EXPECT_EQ(Texts(Generated(line.board)), "h2h1q h2h1r h2h1b h2h1n a8a7 a8b7 a8b8 a8a8");
-    TTestLine inCheck("k7/8/8/8/8/8/6Bp/K7 b - - 0 1", 4);
-    inCheck.board.m_moveFilter = TChessboard::FILTER_WHITE_SQUARES_ONLY;
-    EXPECT_EQ(Texts(Generated(inCheck.board)), "a8a7 a8b7 a8b8");
-}
-
 } // namespace
 } // namespace corvina

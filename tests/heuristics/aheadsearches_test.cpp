@@ -66,14 +66,14 @@ TEST(AheadSearches, SingleQueensMateAndChangeNoSolution)
 
 TEST(AheadSearches, SingleQueensAreToldApart)
 {
-    EXPECT_TRUE(IsSingleQueenMate(BoardOf("8/8/8/p7/P6k/8/5K2/3Q4 w - - 0 1")));
-    EXPECT_FALSE(IsSingleQueenMate(BoardOf("8/8/p7/8/P6k/8/5K2/3Q4 w - - 0 1"))); // free pawns
-    EXPECT_FALSE(IsSingleQueenMate(BoardOf("8/8/8/p7/Q6k/8/5K2/8 w - - 0 1")));   // the queen holds
-    EXPECT_FALSE(IsSingleQueenMate(BoardOf("8/8/8/p7/P6k/8/5K2/3QB3 w - - 0 1")));
-    EXPECT_TRUE(IsCornerPattern(BoardOf("7k/8/8/p7/P7/8/5K2/3Q4 w - - 0 1")));
-    EXPECT_FALSE(IsCornerPattern(BoardOf("8/8/8/p2k4/P7/8/5K2/3Q4 w - - 0 1")));
-    EXPECT_TRUE(IsWhiteMaterialShort(BoardOf("7k/8/r7/P7/8/2P5/5K2/3R4 w - - 0 1")));
-    EXPECT_FALSE(IsWhiteMaterialShort(BoardOf("7k/8/8/P7/8/2P5/5K2/3R4 w - - 0 1")));
+    EXPECT_TRUE(IsSingleQueenMate(BoardOf("8/8/8/p7/P6k/8/5K2/3Q4")));
+    EXPECT_FALSE(IsSingleQueenMate(BoardOf("8/8/p7/8/P6k/8/5K2/3Q4"))); // free pawns
+    EXPECT_FALSE(IsSingleQueenMate(BoardOf("8/8/8/p7/Q6k/8/5K2/8")));   // the queen holds
+    EXPECT_FALSE(IsSingleQueenMate(BoardOf("8/8/8/p7/P6k/8/5K2/3QB3")));
+    EXPECT_TRUE(IsCornerPattern(BoardOf("7k/8/8/p7/P7/8/5K2/3Q4")));
+    EXPECT_FALSE(IsCornerPattern(BoardOf("8/8/8/p2k4/P7/8/5K2/3Q4")));
+    EXPECT_TRUE(IsWhiteMaterialShort(BoardOf("7k/8/r7/P7/8/2P5/5K2/3R4")));
+    EXPECT_FALSE(IsWhiteMaterialShort(BoardOf("7k/8/8/P7/8/2P5/5K2/3R4")));
 }
 
 /// A list that the search begins for a subtree finds no mate that isn't there, and goes again.
@@ -111,12 +111,12 @@ TEST(AheadSearches, FarPawnsAndTheFiguresThatHoldThemAreTakenOff)
         board.m_nMoves = static_cast<std::uint16_t>(nMoves);
         return ReducePosition(board) ? WriteFen(board, true) : "";
     };
-    EXPECT_EQ(reduced("7k/8/8/p7/8/8/3Q1K2/8 w - - 0 1", 19), "7k/8/8/8/8/8/3Q1K2/8");
-    EXPECT_EQ(reduced("7k/8/8/p7/B7/8/3Q1K2/8 w - - 0 1", 19), "7k/8/8/8/8/8/3Q1K2/8");
-    EXPECT_EQ(reduced("7k/8/8/p7/8/8/3Q1K2/8 w - - 0 1", 17), "");
-    EXPECT_EQ(reduced("7k/6p1/8/p7/8/8/3Q1K2/8 w - - 0 1", 19), ""); // a pawn next to the king
-    EXPECT_EQ(reduced("7k/8/8/p7/Q7/8/5K2/8 w - - 0 1", 19), "");    // nothing left to mate with
-    EXPECT_FALSE(HasReducedPosition(BoardOf("7k/8/8/p7/8/8/3Q1K2/8 w - - 0 1")));
+    EXPECT_EQ(reduced("7k/8/8/p7/8/8/3Q1K2/8", 19), "7k/8/8/8/8/8/3Q1K2/8");
+    EXPECT_EQ(reduced("7k/8/8/p7/B7/8/3Q1K2/8", 19), "7k/8/8/8/8/8/3Q1K2/8");
+    EXPECT_EQ(reduced("7k/8/8/p7/8/8/3Q1K2/8", 17), "");
+    EXPECT_EQ(reduced("7k/6p1/8/p7/8/8/3Q1K2/8", 19), ""); // a pawn next to the king
+    EXPECT_EQ(reduced("7k/8/8/p7/Q7/8/5K2/8", 19), "");    // nothing left to mate with
+    EXPECT_FALSE(HasReducedPosition(BoardOf("7k/8/8/p7/8/8/3Q1K2/8")));
 }
 
 } // namespace

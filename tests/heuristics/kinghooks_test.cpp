@@ -175,113 +175,102 @@ constexpr std::uint32_t SURROUND = SH_ASSERTBLACKKINGSURROUNDED;
 
 const TCase g_aCases[] = {
     // The White king six steps away: mate in 1 or 2 comes too early for it.
-    {"far king", "7k/8/8/8/8/8/8/KQ6 w - - 0 1", 5, "b1b2 h8g8", SH_AREKINGSNEAR, Nothing, 1},
-    {"king in time", "7k/8/8/8/8/8/8/KQ6 w - - 0 1", 15, "b1b2 h8g8", SH_AREKINGSNEAR, Nothing, 0},
-    {"two queens", "7k/8/8/8/8/8/8/KQQ5 w - - 0 1", 5, "b1b2 h8g8", SH_AREKINGSNEAR, Nothing, 0},
-    {"just promoted", "7k/P7/8/8/8/8/8/K7 w - - 0 1", 5, "a7a8r h8g7", SH_AREKINGSNEAR, Nothing, 0},
-    {"pawn promotes", "8/7k/8/8/8/8/5P2/K1R1B3 w - - 0 1", 5, "c1c2 h7g7", SH_AREKINGSNEAR, Nothing,
-     1},
-    {"pawn in time", "8/7k/P7/8/8/8/8/K1R1B3 w - - 0 1", 5, "c1c2 h7g7", SH_AREKINGSNEAR, Nothing,
-     0},
-    {"own rook in the corner", "5r1k/8/8/8/8/8/8/KQ6 w - - 0 1", 5, "b1c1 f8g8", SH_AREKINGSNEAR,
-     Nothing, 0},
-    {"rook away", "4r2k/8/8/8/8/8/8/KQ6 w - - 0 1", 5, "b1c1 e8f8", SH_AREKINGSNEAR, Nothing, 1},
+    {"far king", "7k/8/8/8/8/8/8/KQ6", 5, "b1b2 h8g8", SH_AREKINGSNEAR, Nothing, 1},
+    {"king in time", "7k/8/8/8/8/8/8/KQ6", 15, "b1b2 h8g8", SH_AREKINGSNEAR, Nothing, 0},
+    {"two queens", "7k/8/8/8/8/8/8/KQQ5", 5, "b1b2 h8g8", SH_AREKINGSNEAR, Nothing, 0},
+    {"just promoted", "7k/P7/8/8/8/8/8/K7", 5, "a7a8r h8g7", SH_AREKINGSNEAR, Nothing, 0},
+    {"pawn promotes", "8/7k/8/8/8/8/5P2/K1R1B3", 5, "c1c2 h7g7", SH_AREKINGSNEAR, Nothing, 1},
+    {"pawn in time", "8/7k/P7/8/8/8/8/K1R1B3", 5, "c1c2 h7g7", SH_AREKINGSNEAR, Nothing, 0},
+    {"own rook in the corner", "5r1k/8/8/8/8/8/8/KQ6", 5, "b1c1 f8g8", SH_AREKINGSNEAR, Nothing, 0},
+    {"rook away", "4r2k/8/8/8/8/8/8/KQ6", 5, "b1c1 e8f8", SH_AREKINGSNEAR, Nothing, 1},
 
-    {"on the edge", "4k3/8/8/8/8/8/R7/4K3 w - - 0 1", 9, "a2a3 e8f8", EDGE, PlainEdge, 0},
-    {"off the edge", "4k3/8/8/8/8/8/R7/4K3 w - - 0 1", 9, "a2a3 e8f7", EDGE, PlainEdge, 1},
-    {"no king move", "8/4k2n/8/8/8/8/R7/4K3 w - - 0 1", 9, "a2a3 h7g5", EDGE, PlainEdge, 1},
-    {"figure captured", "4k3/8/8/8/8/n7/R7/4K3 w - - 0 1", 9, "a2a3 e8f7", EDGE, PlainEdge, 0},
-    {"pawn captured", "4k3/8/8/8/8/p7/R7/4K3 w - - 0 1", 9, "a2a3 e8f7", EDGE, PlainEdge, 1},
-    {"won before", "4k3/8/8/8/8/n7/R7/4K3 w - - 0 1", 9, "a2a3 e8f8 a3a4 f8f7", EDGE, PlainEdge, 1},
-    {"balance won", "4k3/8/8/8/8/n7/R7/4K3 w - - 0 1", 9, "a2a3 e8f8 a3a4 f8f7", EDGE, RelaxedEdge,
-     0},
-    {"balance evened", "4k3/8/8/8/3n4/n7/R1N5/4K3 w - - 0 1", 11, "a2a3 d4c2 e1d1 c2a3 d1d2 e8f7",
-     EDGE, RelaxedEdge, 1},
-    {"no pawns counted", "4k3/8/8/8/8/p7/R7/4K3 w - - 0 1", 9, "a2a3 e8f8 a3a4 f8f7", EDGE,
+    {"on the edge", "4k3/8/8/8/8/8/R7/4K3", 9, "a2a3 e8f8", EDGE, PlainEdge, 0},
+    {"off the edge", "4k3/8/8/8/8/8/R7/4K3", 9, "a2a3 e8f7", EDGE, PlainEdge, 1},
+    {"no king move", "8/4k2n/8/8/8/8/R7/4K3", 9, "a2a3 h7g5", EDGE, PlainEdge, 1},
+    {"figure captured", "4k3/8/8/8/8/n7/R7/4K3", 9, "a2a3 e8f7", EDGE, PlainEdge, 0},
+    {"pawn captured", "4k3/8/8/8/8/p7/R7/4K3", 9, "a2a3 e8f7", EDGE, PlainEdge, 1},
+    {"won before", "4k3/8/8/8/8/n7/R7/4K3", 9, "a2a3 e8f8 a3a4 f8f7", EDGE, PlainEdge, 1},
+    {"balance won", "4k3/8/8/8/8/n7/R7/4K3", 9, "a2a3 e8f8 a3a4 f8f7", EDGE, RelaxedEdge, 0},
+    {"balance evened", "4k3/8/8/8/3n4/n7/R1N5/4K3", 11, "a2a3 d4c2 e1d1 c2a3 d1d2 e8f7", EDGE,
      RelaxedEdge, 1},
-    {"pawns counted", "4k3/8/8/8/8/p7/R7/4K3 w - - 0 1", 9, "a2a3 e8f8 a3a4 f8f7", EDGE,
+    {"no pawns counted", "4k3/8/8/8/8/p7/R7/4K3", 9, "a2a3 e8f8 a3a4 f8f7", EDGE, RelaxedEdge, 1},
+    {"pawns counted", "4k3/8/8/8/8/p7/R7/4K3", 9, "a2a3 e8f8 a3a4 f8f7", EDGE,
      [](THookLine& line) {
          RelaxedEdge(line);
          line.m_context.m_bEdgeRelaxCountPawns = true;
      },
      0},
-    {"relaxed for the ext. edge", "4k3/8/8/8/8/n7/R7/4K3 w - - 0 1", 9, "a2a3 e8f8 a3a4 f8f7", EDGE,
+    {"relaxed for the ext. edge", "4k3/8/8/8/8/n7/R7/4K3", 9, "a2a3 e8f8 a3a4 f8f7", EDGE,
      [](THookLine& line) {
          RelaxedEdge(line);
          line.m_context.m_bEdgeRelaxExtOnly = true;
      },
      1},
-    {"advanced pawn", "7k/P7/8/8/8/8/R7/4K3 w - - 0 1", 9, "a2a3 h8g7", EDGE,
+    {"advanced pawn", "7k/P7/8/8/8/8/R7/4K3", 9, "a2a3 h8g7", EDGE,
      [](THookLine& line) {
          PlainEdge(line);
          line.m_context.m_bEdgeRelaxOnPawn = true;
      },
      0},
-    {"g7 from the edge", "7k/8/8/8/8/8/R7/4K3 w - - 0 1", 9, "a2a3 h8g7", EDGE, PlainEdge, 0},
-    {"g7 from the inside", "8/8/5k2/8/8/8/R7/4K3 w - - 0 1", 9, "a2a3 f6g7", EDGE, PlainEdge, 1},
-    {"corner counts as edge", "8/8/5k2/8/8/8/R7/4K3 w - - 0 1", 9, "a2a3 f6g7", EDGE,
+    {"g7 from the edge", "7k/8/8/8/8/8/R7/4K3", 9, "a2a3 h8g7", EDGE, PlainEdge, 0},
+    {"g7 from the inside", "8/8/5k2/8/8/8/R7/4K3", 9, "a2a3 f6g7", EDGE, PlainEdge, 1},
+    {"corner counts as edge", "8/8/5k2/8/8/8/R7/4K3", 9, "a2a3 f6g7", EDGE,
      [](THookLine& line) {
          PlainEdge(line);
          line.m_context.m_bInclCorner = true;
      },
      0},
-    {"lone queen attacked", "8/3k4/8/8/8/8/R7/1q2K2R w - - 0 1", 9, "e1f2 b1a2 f2e3 d7c6", EDGE,
-     PlainEdge, 1},
-    {"lone queen en prise", "8/3k4/8/8/q7/8/R7/4K3 w - - 0 1", 9, "e1f1 d7c6", EDGE, PlainEdge, 0},
-    {"waiting", "4k3/8/8/8/8/8/R7/4K3 w - - 0 1", 9, "a2a3 e8f7", EDGE, Deferred, 0},
-    {"deadline over", "4k3/8/8/8/8/8/R7/4K3 w - - 0 1", 5, "a2a3 e8f7", EDGE, Deferred, 1},
-    {"relaxed in the line", "4k3/8/8/8/8/8/R7/4K3 w - - 0 1", 9, "a2a3 e8f8", EDGE,
+    {"lone queen attacked", "8/3k4/8/8/8/8/R7/1q2K2R", 9, "e1f2 b1a2 f2e3 d7c6", EDGE, PlainEdge,
+     1},
+    {"lone queen en prise", "8/3k4/8/8/q7/8/R7/4K3", 9, "e1f1 d7c6", EDGE, PlainEdge, 0},
+    {"waiting", "4k3/8/8/8/8/8/R7/4K3", 9, "a2a3 e8f7", EDGE, Deferred, 0},
+    {"deadline over", "4k3/8/8/8/8/8/R7/4K3", 5, "a2a3 e8f7", EDGE, Deferred, 1},
+    {"relaxed in the line", "4k3/8/8/8/8/8/R7/4K3", 9, "a2a3 e8f8", EDGE,
      [](THookLine& line) { line.m_pLast->m_boardFlags |= TChessboard::FLAG_EDGERELAXED; }, 0},
 
-    {"king stays", "4k2n/8/8/8/8/8/R7/4K3 w - - 0 1", 9, "a2a3 h8g6", EDGE, Nothing, 0},
-    {"king moves", "4k3/8/8/8/8/8/R7/4K3 w - - 0 1", 9, "a2a3 e8f8", EDGE, Nothing, 1},
-    {"mate in one", "3k4/8/3K4/8/8/8/1Q6/8 w - - 0 1", 9, "b2a2 d8e8", EDGE, Nothing, 0},
-    {"mate in two", "3k4/8/3K4/8/8/8/R7/8 w - - 0 1", 9, "a2a1 d8e8", EDGE, Nothing, 0},
-    {"left its root square", "4k3/8/8/8/8/8/R7/4K3 w - - 0 1", 9, "a2a3 e8f8", EDGE,
-     StrictWithExceptions, 0},
-    {"moved on", "4k3/8/8/8/8/8/R7/4K3 w - - 0 1", 9, "a2a3 e8f8 a3a4 f8g8", EDGE,
+    {"king stays", "4k2n/8/8/8/8/8/R7/4K3", 9, "a2a3 h8g6", EDGE, Nothing, 0},
+    {"king moves", "4k3/8/8/8/8/8/R7/4K3", 9, "a2a3 e8f8", EDGE, Nothing, 1},
+    {"mate in one", "3k4/8/3K4/8/8/8/1Q6/8", 9, "b2a2 d8e8", EDGE, Nothing, 0},
+    {"mate in two", "3k4/8/3K4/8/8/8/R7/8", 9, "a2a1 d8e8", EDGE, Nothing, 0},
+    {"left its root square", "4k3/8/8/8/8/8/R7/4K3", 9, "a2a3 e8f8", EDGE, StrictWithExceptions, 0},
+    {"moved on", "4k3/8/8/8/8/8/R7/4K3", 9, "a2a3 e8f8 a3a4 f8g8", EDGE, StrictWithExceptions, 1},
+    {"another move after the exception", "4k2n/8/8/8/8/8/R7/4K3", 9, "a2a3 e8f8 a3a4 h8g6", EDGE,
      StrictWithExceptions, 1},
-    {"another move after the exception", "4k2n/8/8/8/8/8/R7/4K3 w - - 0 1", 9,
-     "a2a3 e8f8 a3a4 h8g6", EDGE, StrictWithExceptions, 1},
-    {"both shuttled", "4k3/8/8/8/8/8/R7/4K3 w - - 0 1", 9, "a2a3 e8f8 a3a2 f8e8", EDGE, Nothing, 0},
-    {"one shuttled", "4k3/8/8/8/8/8/R7/4K3 w - - 0 1", 9, "a2a3 e8f8 a3a4 f8e8", EDGE, Nothing, 1},
-    {"figure won", "4k3/8/8/8/8/n7/R7/4K3 w - - 0 1", 9, "a2a3 e8f8", EDGE, Nothing, 0},
-    {"standing pawn won", "4k3/8/8/8/8/p7/R7/4K3 w - - 0 1", 9, "a2a3 e8f8", EDGE, Nothing, 1},
-    {"arriving pawn won", "4k3/8/8/8/p7/8/R7/4K3 w - - 0 1", 9, "e1e2 a4a3 a2a3 e8f8", EDGE,
-     Nothing, 0},
-    {"a pawn mates", "8/1P6/k1K5/8/8/8/8/8 w - - 0 1", 9, "c6c7 a6a7", EDGE, Nothing, 0},
-    {"a pawn promotes too late", "8/1P6/8/8/8/2k5/8/7K w - - 0 1", 9, "h1h2 c3d4", EDGE, Nothing,
-     1},
-    {"exchange", "4k3/8/8/8/2n5/N7/RP6/4K3 w - - 0 1", 9, "e1e2 c4a3 b2a3 e8f8", EDGE, Nothing, 1},
-    {"pawn let through", "k7/P2K4/8/8/8/8/7B/8 w - - 0 1", 9, "h2g3 a8a7", EDGE, Nothing, 1},
-    {"promotion square left", "1k6/1P6/8/2K5/8/8/5B2/8 w - - 0 1", 9, "f2g3 b8a7", EDGE, Nothing,
-     0},
-    {"heavy figures won", "4k2r/8/8/8/8/8/7R/4K3 w - - 0 1", 9, "h2h8 e8e7 h8h7 e7e8", EDGE,
-     Nothing, 0},
+    {"both shuttled", "4k3/8/8/8/8/8/R7/4K3", 9, "a2a3 e8f8 a3a2 f8e8", EDGE, Nothing, 0},
+    {"one shuttled", "4k3/8/8/8/8/8/R7/4K3", 9, "a2a3 e8f8 a3a4 f8e8", EDGE, Nothing, 1},
+    {"figure won", "4k3/8/8/8/8/n7/R7/4K3", 9, "a2a3 e8f8", EDGE, Nothing, 0},
+    {"standing pawn won", "4k3/8/8/8/8/p7/R7/4K3", 9, "a2a3 e8f8", EDGE, Nothing, 1},
+    {"arriving pawn won", "4k3/8/8/8/p7/8/R7/4K3", 9, "e1e2 a4a3 a2a3 e8f8", EDGE, Nothing, 0},
+    {"a pawn mates", "8/1P6/k1K5/8/8/8/8/8", 9, "c6c7 a6a7", EDGE, Nothing, 0},
+    {"a pawn promotes too late", "8/1P6/8/8/8/2k5/8/7K", 9, "h1h2 c3d4", EDGE, Nothing, 1},
+    {"exchange", "4k3/8/8/8/2n5/N7/RP6/4K3", 9, "e1e2 c4a3 b2a3 e8f8", EDGE, Nothing, 1},
+    {"pawn let through", "k7/P2K4/8/8/8/8/7B/8", 9, "h2g3 a8a7", EDGE, Nothing, 1},
+    {"promotion square left", "1k6/1P6/8/2K5/8/8/5B2/8", 9, "f2g3 b8a7", EDGE, Nothing, 0},
+    {"heavy figures won", "4k2r/8/8/8/8/8/7R/4K3", 9, "h2h8 e8e7 h8h7 e7e8", EDGE, Nothing, 0},
 
-    {"second ring", "8/3k4/8/8/8/8/R7/4K3 w - - 0 1", 9, "a2a3 d7e7", EXT, Nothing, 0},
-    {"third ring", "8/3k4/8/8/8/8/R7/4K3 w - - 0 1", 9, "a2a3 d7e6", EXT, Nothing, 1},
-    {"queen promoted", "8/P2k4/8/8/8/8/8/4K3 w - - 0 1", 9, "a7a8q d7e6", EXT, Nothing, 0},
-    {"bare on c6", "8/1k6/8/8/8/n7/R7/4K3 w - - 0 1", 9, "a2a3 b7c7 a3a1 c7c6", EXT, Nothing, 0},
-    {"balance one short, figure falls", "8/3k4/8/8/n7/8/8/R3K3 w - - 0 1", 9, "e1f1 d7e6", EXT,
-     RelaxedEdge, 0},
-    {"box shut", "R7/4k3/8/8/R7/8/8/3RKR2 w - - 0 1", 9, "e1e2 e7e6", EXT, Nothing, 0},
-    {"figure en prise", "8/7p/3k4/6P1/8/8/R7/4K3 w - - 0 1", 9, "a2a3 h7h6", EXT, Nothing, 0},
-    {"moves to the edge", "8/3k4/8/8/8/8/R7/4K3 w - - 0 1", 9, "a2a3 d7e7 a3a4 e7e8", EXT,
+    {"second ring", "8/3k4/8/8/8/8/R7/4K3", 9, "a2a3 d7e7", EXT, Nothing, 0},
+    {"third ring", "8/3k4/8/8/8/8/R7/4K3", 9, "a2a3 d7e6", EXT, Nothing, 1},
+    {"queen promoted", "8/P2k4/8/8/8/8/8/4K3", 9, "a7a8q d7e6", EXT, Nothing, 0},
+    {"bare on c6", "8/1k6/8/8/8/n7/R7/4K3", 9, "a2a3 b7c7 a3a1 c7c6", EXT, Nothing, 0},
+    {"balance one short, figure falls", "8/3k4/8/8/n7/8/8/R3K3", 9, "e1f1 d7e6", EXT, RelaxedEdge,
+     0},
+    {"box shut", "R7/4k3/8/8/R7/8/8/3RKR2", 9, "e1e2 e7e6", EXT, Nothing, 0},
+    {"figure en prise", "8/7p/3k4/6P1/8/8/R7/4K3", 9, "a2a3 h7h6", EXT, Nothing, 0},
+    {"moves to the edge", "8/3k4/8/8/8/8/R7/4K3", 9, "a2a3 d7e7 a3a4 e7e8", EXT,
      [](THookLine& line) { line.m_context.m_bExtEdgeMoveOnly = true; }, 0},
-    {"moves off the edge", "8/3k4/8/8/8/8/R7/4K3 w - - 0 1", 9, "a2a3 d7e7 a3a4 e7f7", EXT,
+    {"moves off the edge", "8/3k4/8/8/8/8/R7/4K3", 9, "a2a3 d7e7 a3a4 e7f7", EXT,
      [](THookLine& line) { line.m_context.m_bExtEdgeMoveOnly = true; }, 1},
 
-    {"strictly surrounded", "4k3/8/4K3/8/8/8/1R6/8 w - - 0 1", 9, "b2c2 e8d8", SURROUND,
+    {"strictly surrounded", "4k3/8/4K3/8/8/8/1R6/8", 9, "b2c2 e8d8", SURROUND,
      [](THookLine& line) { line.m_context.m_bSurroundedStrict = true; }, 0},
-    {"strict and free", "4k3/8/8/8/4K3/8/1R6/8 w - - 0 1", 9, "b2a2 e8d8", SURROUND,
+    {"strict and free", "4k3/8/8/8/4K3/8/1R6/8", 9, "b2a2 e8d8", SURROUND,
      [](THookLine& line) { line.m_context.m_bSurroundedStrict = true; }, 1},
-    {"free in the middle", "8/8/4k3/8/8/p1p1p3/8/KB1B4 w - - 0 1", 11, "b1a2 e6d6 d1g4 d6c5",
-     SURROUND, Nothing, 1},
-    {"free in the root position", "8/8/4k3/8/8/p1p1p3/8/KB1B4 w - - 0 1", 11, "b1a2 e6d6", SURROUND,
+    {"free in the middle", "8/8/4k3/8/8/p1p1p3/8/KB1B4", 11, "b1a2 e6d6 d1g4 d6c5", SURROUND,
+     Nothing, 1},
+    {"free in the root position", "8/8/4k3/8/8/p1p1p3/8/KB1B4", 11, "b1a2 e6d6", SURROUND, Nothing,
+     0},
+    {"a queen closes in", "8/8/4k3/8/8/p1p1p3/8/KB1B3Q", 11, "b1c2 e6d6 d1e2 d6e5", SURROUND,
      Nothing, 0},
-    {"a queen closes in", "8/8/4k3/8/8/p1p1p3/8/KB1B3Q w - - 0 1", 11, "b1c2 e6d6 d1e2 d6e5",
-     SURROUND, Nothing, 0},
 };
 
 TEST(KingHooks, CasesOfTheRules)
@@ -297,7 +286,7 @@ TEST(KingHooks, CasesOfTheRules)
 
 TEST(KingHooks, AStoppedMateTestDecidesNothing)
 {
-    THookLine line("4k3/8/8/8/8/8/R7/4K3 w - - 0 1", 9, "a2a3 e8f8", EDGE);
+    THookLine line("4k3/8/8/8/8/8/R7/4K3", 9, "a2a3 e8f8", EDGE);
     line.m_request.SetStopState(TStopBlock::STOP, TStopBlock::ALL_THREADS);
     EXPECT_EQ(AskBlackHook(line), HOOK_UNDECIDED);
 }
@@ -313,9 +302,9 @@ TEST(KingHooks, ViolationsWaitForADeadline)
         int m_nExpected;
         int m_nDeadline; ///< 0: the move isn't marked
     };
-    constexpr const char* LONE = "8/3k4/8/8/8/8/R7/4K3 w - - 0 1";
-    constexpr const char* WITH_FIGURE = "8/3k4/8/8/8/8/R7/4K2n w - - 0 1";
-    constexpr const char* WITH_PAWN = "8/3k4/8/P7/8/8/R7/4K3 w - - 0 1";
+    constexpr const char* LONE = "8/3k4/8/8/8/8/R7/4K3";
+    constexpr const char* WITH_FIGURE = "8/3k4/8/8/8/8/R7/4K2n";
+    constexpr const char* WITH_PAWN = "8/3k4/8/P7/8/8/R7/4K3";
     const TDeferral aDeferrals[] = {
         {EDGE, LONE, 0, false, 1, 0},       {EDGE, LONE, 1, false, 0, 5},
         {EDGE, LONE, 9, false, 0, 1},       {EDGE, LONE, 2, true, 1, 0},

@@ -100,8 +100,8 @@ TEST(OneColourPlay, APassAloneIsStalemateWhereTheBishopMayHaveNoMove)
         ShutOutBishop(board);
         return StandsForMove(board);
     };
-    EXPECT_TRUE(standsForMove("8/8/8/8/4b3/3p4/7B/k1K5 w - - 0 1"));
-    EXPECT_FALSE(standsForMove("8/1p6/8/8/4b3/3p4/7B/k1K5 w - - 0 1"));
+    EXPECT_TRUE(standsForMove("8/8/8/8/4b3/3p4/7B/k1K5"));
+    EXPECT_FALSE(standsForMove("8/1p6/8/8/4b3/3p4/7B/k1K5"));
 }
 
 /// A bishop on a dark square could go to d8 or f8: a promotion to a queen or a rook mates only

@@ -171,17 +171,16 @@ TEST(PositionAnalysis, NotesWhatThePositionIs)
     };
     using B = TChessboard;
     constexpr TCase CASES[] = {
-        {"7k/8/4pK2/6P1/4B3/8/3P4/8 w - - 0 1", 12,
+        {"7k/8/4pK2/6P1/4B3/8/3P4/8", 12,
          B::POSITION_FEWFIGURES | B::POSITION_LONEBISHOP | B::POSITION_SMALLENDING,
          B::POSITION_BAREBLACKKING, false},
-        {"8/8/8/3k4/8/8/4P3/4K3 w - - 0 1", 20,
+        {"8/8/8/3k4/8/8/4P3/4K3", 20,
          B::POSITION_FEWFIGURES | B::POSITION_BAREBLACKKING | B::POSITION_FREEKING,
          B::POSITION_LONEBISHOP | B::POSITION_BLACKBLOCKED, true},
         {"rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq - 0 1", 8, B::POSITION_MANYFIGURES,
          B::POSITION_FEWFIGURES | B::POSITION_SMALLENDING | B::POSITION_BLACKBLOCKED, false},
-        {"6bk/5ppp/8/8/3K4/8/Q7/7R w - - 0 1", 6, B::POSITION_BLACKBLOCKED, B::POSITION_FREEKING,
-         false},
-        {"8/8/8/2k5/8/3p4/1PPP4/2KN4 w - - 0 1", 15, B::POSITION_FEWFIGURES,
+        {"6bk/5ppp/8/8/3K4/8/Q7/7R", 6, B::POSITION_BLACKBLOCKED, B::POSITION_FREEKING, false},
+        {"8/8/8/2k5/8/3p4/1PPP4/2KN4", 15, B::POSITION_FEWFIGURES,
          B::POSITION_BAREBLACKKING | B::POSITION_PAWNPLAY, false},
     };
     for (const TCase& c : CASES) {
@@ -195,7 +194,7 @@ TEST(PositionAnalysis, NotesWhatThePositionIs)
 TEST(PositionAnalysis, AStopOfTheRunEndsIt)
 {
     TChessboard board;
-    ASSERT_TRUE(ReadFen(board, "2b5/n1Kp4/2pNp3/1p1kp3/4N3/p1P1P3/P3P3/8 w - - 0 1"));
+    ASSERT_TRUE(ReadFen(board, "2b5/n1Kp4/2pNp3/1p1kp3/4N3/p1P1P3/P3P3/8"));
     TAnalysedTask task(board, 12);
     EXPECT_FALSE(CheckPositionType(task.m_root).m_vecTrials.empty());
     task.m_request.SetStopState(TStopBlock::STOP, TStopBlock::ALL_THREADS);

@@ -131,16 +131,6 @@ TEST(Sorts, AListIsOrderedAndKeepsEachLegalMove)
     EXPECT_GT(nDisturbed, 300);
 }
 
-TEST(Sorts, AListWithoutALegalMoveHasOnlyIllegalScores)
-{
-    TSortedPosition stalemate(BoardOf("8/8/8/4b3/8/8/5k2/7K"), DEPTH);
-    const auto nMoves = stalemate.Generated().size();
-    EXPECT_GT(nMoves, 0u);
-    EXPECT_EQ(stalemate.SortWhite(), 0);
-    for (const TMove& move : stalemate.Moves(static_cast<int>(nMoves)))
-        EXPECT_EQ(ScoreOf(move), SCORE_ILLEGAL);
-}
-
 /// A board with the given number of legal moves of White: kings and queens.
 TChessboard BoardWithMoves(std::size_t nMoves)
 {

@@ -135,23 +135,6 @@ TEST(Levels, SizeOfAGroup)
     EXPECT_FALSE(bSpawns(MAX_SHARED_MOVES + 1));
     EXPECT_FALSE(bool{TSpawnLeave(root, 20)}) << "the root has its own table";
 
-    const auto refused = [&](auto&& value, auto change) {
-        const auto saved = value;
-        value = static_cast<std::remove_reference_t<decltype(value)>>(change);
-        const bool bRefused = !bSpawns(20);
-        value = saved;
-        return bRefused && bSpawns(20);
-    };
-    EXPECT_TRUE(refused(context.m_nSpawnWidth, 0));
-    EXPECT_TRUE(refused(context.m_nQuickerMateNesting, 1));
-    EXPECT_TRUE(refused(context.m_nRefutationNesting, 1));
-    EXPECT_TRUE(refused(context.m_nSortNesting, 1));
-    EXPECT_TRUE(refused(context.m_nBlockPawnsLevel, 7));
-    EXPECT_TRUE(refused(request.m_bRegisterConfirm, true));
-    EXPECT_TRUE(refused(request.m_nMultithreadingLevels, 1));
-    EXPECT_TRUE(refused(request.m_sharing.m_nMinLevelDepth, 16));
-    EXPECT_TRUE(refused(node.m_nHeuristics, SH_ZUGZWANGTRIANGLES));
-
     // Brute force: groups of two, and beyond the levels while processors are idle.
     request.m_bBruteForce = true;
     EXPECT_EQ(GroupSize(node, 200), 2);
