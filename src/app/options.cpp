@@ -359,6 +359,7 @@ TRunSettings ApplyOptions(const TOptions& options, TSolveRequest& request)
     settings.m_bQuickMode = options.m_bQuickMode;
     settings.m_nMultithreadingLevels = options.m_nMultithreadingLevels;
     settings.m_nSchedulerLevels = options.m_shSchedulerLevels;
+    settings.m_bCustomScheduler = options.m_bCustomScheduler;
     settings.m_bSchedulerThreadPool = options.m_bSchedulerThreadPool;
     settings.m_nMainVariantUse = options.m_nUseMainVariantAsSortIndications;
     settings.m_bUsePredefinedSettings = options.m_nUsePredefinedIndications != 0;

@@ -101,7 +101,8 @@ std::string SchedulerText(const TSolveRequest& request)
     if (nLevels)
         strText = "* Scheduler is on: moves from " + std::to_string(nFirst) + " to " +
                   std::to_string(nFirst + nLevels - 1) + " are 'juggled' by scheduler\n";
-    return strText + "* Custom scheduler is off\n";
+    return strText + (request.m_bCustomScheduler ? "* Custom scheduler is on\n"
+                                                 : "* Custom scheduler is off\n");
 }
 
 /// The set with its parameters, some of which a root, a thread and a request have.

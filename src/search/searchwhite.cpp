@@ -49,7 +49,7 @@ public:
             return nMoves;
         if (!IsFullySorted(board))
             return SortWhiteMovesCheap(board, pMoves, nMoves);
-        nMoves = SortWhiteMoves(board, pMoves, nMoves, &m_nLeftOut);
+        nMoves = SortWhiteMoves(board, pMoves, nMoves, &m_sorted);
         if (ContextOf(board).m_triangleOrigin != NO_KEY_SQUARE && FitsTriangle(board))
             MoveTriangleMovesFirst(board, nMoves, pMoves);
         return nMoves;
@@ -58,9 +58,9 @@ public:
     /// None; but those that have been left out make the node doubtful.
     int ListMoreMoves(TChessboard& board, TMove*, int, int* pnDoubtful)
     {
-        if (m_nLeftOut == 0 && m_nNarrowedBy == 0)
+        if (m_sorted.m_nLeftOut == 0 && m_nNarrowedBy == 0)
             return 0;
-        *pnDoubtful += m_nLeftOut + (m_nNarrowedBy != 0);
+        *pnDoubtful += m_sorted.m_nLeftOut + (m_nNarrowedBy != 0);
         TThreadContext& context = ContextOf(board);
         context.m_nDoubtReason = m_nNarrowedBy ? m_nNarrowedBy : SH_SKIPWORSTWHITEMOVES;
         ++context.m_anCuts[std::countr_zero(context.m_nDoubtReason)];
@@ -73,6 +73,8 @@ public:
     }
 
     static bool IsCutAfterMove(TChessboard& child) { return IsCutAfterWhiteMove(child); }
+
+    int CountGoodMoves() const { return m_sorted.m_nGoodMoves; }
 
     static TSearchResult SearchReplies(TChessboard& child)
     {
@@ -106,7 +108,7 @@ private:
         return bAsked ? GetKeyFigureMove(board, pMoves) : 0;
     }
 
-    int m_nLeftOut = 0;              ///< moves that the sort has cut off
+    TSortNotes m_sorted;
     std::uint32_t m_nNarrowedBy = 0; ///< the heuristic that has left the others out
 };
 

@@ -86,6 +86,7 @@ void PrepareRun(TSolveRequest& request, const TRunSettings& settings)
     request.m_nMultithreadingLevels =
         request.m_nThreads > 1 ? LevelsOf(request, settings) : std::uint8_t{1};
     request.m_nSchedulerLevels = SchedulerLevelsOf(request, settings);
+    request.m_bCustomScheduler = settings.m_bCustomScheduler && request.m_nSchedulerLevels != 0;
     request.m_bSchedulerThreadPool = settings.m_bSchedulerThreadPool;
     request.m_sharingCounts.Clear();
     request.m_bLastMoveStarted = false;

@@ -24,6 +24,7 @@ struct TRunSettings
     int m_nThreads = 1;
     int m_nMultithreadingLevels = 1; ///< 1: threads at the root only
     int m_nSchedulerLevels = 0;      ///< 0: off
+    bool m_bCustomScheduler = true;  ///< TSolveRequest::m_bCustomScheduler, of a run with levels
     bool m_bSchedulerThreadPool = true;
     bool m_bStopAtFirstSolution = false;
     bool m_bQuickMode = true;

@@ -84,6 +84,7 @@ struct TSolveRequest : TProblem, TStopBlock, TRegisterHost
     std::atomic<bool> m_bPassWithoutHeuristics{false};
     bool m_bThreadsForced = false;       ///< the engine has asked for another number; once a run
     std::uint8_t m_nSchedulerLevels = 0; ///< 0: off
+    bool m_bCustomScheduler = false;     ///< good moves are juggled behind the levels, too
     bool m_bSchedulerThreadPool = true;  ///< threads of schedulers wait for further moves
     TThreadPool* m_pSchedulerThreads = nullptr; ///< of the run, while it has a scheduler
     TSharingSettings m_sharing;

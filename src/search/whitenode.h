@@ -37,7 +37,9 @@ constexpr int LIST_MATES = -1;
 ///     TSearchResult SearchReplies(TChessboard& child) const;
 ///         the node at Black's move; may be called in another thread, on a copy of the object
 ///     static constexpr bool JUGGLED;
-///         the scheduler may take the list
+///         the scheduler may take the list; then there is
+///     int CountGoodMoves() const;
+///         moves at the head of the list that promise most
 template <class TKind>
 class TWhiteNode
 {
@@ -221,7 +223,7 @@ private:
                 return TakeUp(*outcome);
         }
         if constexpr (TKind::JUGGLED) {
-            if (MayJuggle(m_board, nMoves))
+            if (MayJuggle(m_board, nMoves, m_kind.CountGoodMoves()))
                 return JuggleMoves(pMoves, nFrom, nTo);
         }
         return TryMoves(pMoves, nFrom, nTo);
@@ -262,8 +264,9 @@ private:
     /// As TryMoves, with the moves that need a search juggled by a scheduler.
     TSearchResult JuggleMoves(TMove* pMoves, int nFrom, int nTo)
     {
-        TScheduler scheduler(
-            m_board, [kind = m_kind](TChessboard& child) { return kind.SearchReplies(child); });
+        TScheduler scheduler(m_board, m_kind.CountGoodMoves(), [kind = m_kind](TChessboard& child) {
+            return kind.SearchReplies(child);
+        });
         bool bMayStart = true;
         for (int nNext = nFrom;;) {
             int i = SchedulerChooseNext(scheduler, bMayStart && nNext < nTo);

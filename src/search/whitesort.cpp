@@ -51,6 +51,9 @@ public:
         return nLegal;
     }
 
+    /// Moves of the last sort that an indication asks for.
+    int CountIndicated() const { return m_nIndicated; }
+
 private:
     struct TScored
     {
@@ -79,8 +82,10 @@ private:
                 return nKnown == REPLIES_MATED ? SCORE_ALL_MATED : SCORE_MAX_WHITE;
         }
         if (m_indications.Apply()) {
-            if (const auto nIndicated = m_indications.Score(child))
+            if (const auto nIndicated = m_indications.Score(child)) {
+                m_nIndicated += *nIndicated < 0;
                 return nIndicated;
+            }
         }
         if ((m_board.m_nPositionFlags & TChessboard::POSITION_PREFERREDMOVES) &&
             m_request.m_preferredMoves.Contains(m_board, move))
@@ -97,6 +102,7 @@ private:
     TNodeIndications m_indications;
     const TOrderNoise m_noise;
     const TKiller& m_killer;
+    int m_nIndicated = 0;
     const bool m_bRepetitions;
 };
 
@@ -182,13 +188,14 @@ int ProbeBlackReplies(TChessboard& child, int nFlags)
     return bHasReply ? nResult : REPLIES_SAVE; // stalemate
 }
 
-int SortWhiteMoves(TChessboard& board, TMove* pMoves, int nMoves, int* pnLeftOut)
+int SortWhiteMoves(TChessboard& board, TMove* pMoves, int nMoves, TSortNotes* pNotes)
 {
-    const int nLegal = TWhiteSorter(board).Sort(pMoves, nMoves);
+    TWhiteSorter sorter(board);
+    const int nLegal = sorter.Sort(pMoves, nMoves);
     const bool bSkip = board.m_nHeuristics & SH_SKIPWORSTWHITEMOVES;
     const int nKept = bSkip ? MovesKept(nLegal) : nLegal;
-    if (pnLeftOut)
-        *pnLeftOut = nLegal - nKept;
+    if (pNotes)
+        *pNotes = {nLegal - nKept, sorter.CountIndicated()};
     return nKept;
 }
 

@@ -6,11 +6,17 @@
 namespace corvina
 {
 
+/// What a sort tells beside the order.
+struct TSortNotes
+{
+    int m_nLeftOut = 0;   ///< moves that SH_SKIPWORSTWHITEMOVES leaves out: doubtful at best
+    int m_nGoodMoves = 0; ///< at the head of the list, that a sort indication asks for
+};
+
 /// The full sort of White's moves, for nodes far enough from the leaves. Illegal moves go to the
-/// end with SCORE_ILLEGAL. Returns the number of moves to try; with SH_SKIPWORSTWHITEMOVES it is
-/// below that of the legal moves when those are many, and *pnLeftOut, if not null, tells by how
-/// much: the node is doubtful at best then. A stop of the run leaves the list as it stands.
-int SortWhiteMoves(TChessboard& board, TMove* pMoves, int nMoves, int* pnLeftOut = nullptr);
+/// end with SCORE_ILLEGAL. Returns the number of moves to try; *pNotes, if not null, tells more. A
+/// stop of the run leaves the list as it stands.
+int SortWhiteMoves(TChessboard& board, TMove* pMoves, int nMoves, TSortNotes* pNotes = nullptr);
 
 /// The sort of the first moves of a run, under which no heuristic has a say. The caller's order
 /// stands where a sort can't help. Returns the number of legal moves.

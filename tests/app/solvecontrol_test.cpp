@@ -140,6 +140,7 @@ TEST(Outcome, SettingsNameWhatIsInForce)
     request.m_nEffectiveThreads = 6;
     request.m_nMultithreadingLevels = 3;
     request.m_nSchedulerLevels = 5;
+    request.m_bCustomScheduler = true;
     request.m_heuristicSet.m_nHeuristics = SH_AREKINGSNEAR;
     EXPECT_EQ(RunSettingsText(request),
               "* Search for no more than 3 solutions\n"
@@ -149,7 +150,7 @@ TEST(Outcome, SettingsNameWhatIsInForce)
               "* Multithreading levels = 3\n"
               "* Effective number of main threads = 96\n"
               "* Scheduler is on: moves from 4 to 8 are 'juggled' by scheduler\n"
-              "* Custom scheduler is off\n"
+              "* Custom scheduler is on\n"
               "* Initial set of heuristics: SH_AREKINGSNEAR, QuickMode\n");
     request.m_bBruteForce = true;
     EXPECT_NE(RunSettingsText(request).find("main threads = 24\n"), std::string::npos);

@@ -42,10 +42,10 @@ struct TSortedPosition
         return {m_moves.data(), m_moves.data() + nMoves};
     }
 
-    int SortWhite(int* pnLeftOut = nullptr)
+    int SortWhite(TSortNotes* pNotes = nullptr)
     {
         return SortWhiteMoves(m_board, m_moves.data(), static_cast<int>(Generated().size()),
-                              pnLeftOut);
+                              pNotes);
     }
 
     int SortBlack(EBlackSort form = EBlackSort::Full)
@@ -150,9 +150,9 @@ TEST(Sorts, TheWorstMovesOfALongListAreLeftOut)
         EXPECT_EQ(position.SortWhite(), nMoves);
         const auto vecAll = position.Moves(nMoves);
         position.m_board.m_nHeuristics = SH_SKIPWORSTWHITEMOVES;
-        int nLeftOut = -1;
-        EXPECT_EQ(position.SortWhite(&nLeftOut), nKept);
-        EXPECT_EQ(nLeftOut, nMoves - nKept);
+        TSortNotes notes;
+        EXPECT_EQ(position.SortWhite(&notes), nKept);
+        EXPECT_EQ(notes.m_nLeftOut, nMoves - nKept);
         EXPECT_EQ(SortedTexts(position.Moves(nKept)),
                   SortedTexts({vecAll.begin(), vecAll.begin() + nKept}));
     }

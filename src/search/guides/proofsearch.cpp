@@ -30,7 +30,7 @@ constexpr std::uint32_t REPLIES_OF_ONE = 4;
 /// The search stays with a child until it looks worse than the next best by more than one in so
 /// many: each time it comes back, the moves are made again (the 1 + epsilon of Pawlewicz and Lew,
 /// Improving depth-first PN-search, 2007).
-constexpr std::uint32_t PATIENCE = 8;
+constexpr std::uint32_t PATIENCE = 16;
 
 /// A number times a weight, short of infinity.
 std::uint32_t Weighted(std::uint32_t nNumber, std::uint64_t nWeight)

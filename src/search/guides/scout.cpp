@@ -16,11 +16,15 @@ namespace
 /// The scout sets out when the passes have had so long; the easy tasks are solved by then.
 constexpr auto HEAD_START = std::chrono::milliseconds(20);
 
-/// Time of the scout for each unit of the passes, and in tasks so long that the passes hardly ever
-/// come to their end.
+/// Time of the scout for each unit of the passes. It gets more in tasks so long that the passes
+/// hardly ever come to their end, and for a while in every run that they haven't ended soon: of the
+/// mates that take a minute it finds most. A run that goes on after that has no quick way, and the
+/// passes catch up.
 constexpr int SHARE = 3;
-constexpr int SHARE_OF_LONG = 7;
+constexpr int LARGE_SHARE = 7;
 constexpr int LONG_PLIES = 2 * 36 - 1;
+constexpr auto LARGE_SHARE_FROM = std::chrono::seconds(3),
+               LARGE_SHARE_TO = std::chrono::seconds(30);
 
 /// Tasks of fewer moves gain nothing by a graph of positions.
 constexpr int MIN_SIDE_SEARCH_PLIES = 2 * 16 - 1;
@@ -72,7 +76,11 @@ void TScout::Work()
 {
     TClock::time_point tNow = m_root.m_pRequest->Now();
     m_passTime += tNow - m_tReturned;
-    const int nShare = m_root.m_nMoves < LONG_PLIES ? SHARE : SHARE_OF_LONG;
+    const bool bLate = m_passTime > LARGE_SHARE_FROM && m_passTime < LARGE_SHARE_TO;
+    // Threads that rest meanwhile are no reason for the passes to have more.
+    const int nShare = (bLate || m_root.m_nMoves >= LONG_PLIES ? LARGE_SHARE : SHARE) *
+                       std::max<int>(m_root.m_pRequest->m_nEffectiveThreads, m_scouting.m_nScouts) /
+                       m_scouting.m_nScouts;
     while (m_passTime > HEAD_START && m_scoutTime < nShare * m_passTime && SearchSlice()) {
         m_scoutTime += m_root.m_pRequest->Now() - tNow;
         tNow = m_root.m_pRequest->Now();

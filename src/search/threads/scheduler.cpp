@@ -3,6 +3,7 @@
 #include "chess/geometry.h"
 #include "heuristics/attacksets.h"
 #include "heuristics/heuristicbits.h"
+#include "heuristics/kingsurroundings.h"
 #include "platform/machine.h"
 #include "platform/thread.h"
 #include "platform/threadpool.h"
@@ -79,6 +80,12 @@ bool IsHeld(const TThreadContext& context, const TSolveRequest& request)
     return false;
 }
 
+/// Behind the levels it takes a choice of good moves and figures to play them with.
+bool MayJuggleBeyond(const TChessboard& board, int nGoodMoves)
+{
+    return board.m_pRequest->m_bCustomScheduler && nGoodMoves >= 2 && WhiteFigures(board) >= 2;
+}
+
 /// The move just made checks, and the king can't simply take the figure.
 bool IsForcing(const TChessboard& child)
 {
@@ -100,7 +107,7 @@ int SchedulerLevelsFor(const TChessboard& root, int nLevels)
     return std::clamp((root.m_nMoves - nMinDepth) / 2, 0, nLevels);
 }
 
-bool MayJuggle(const TChessboard& board, int nMoves)
+bool MayJuggle(const TChessboard& board, int nMoves, int nGoodMoves)
 {
     const TSolveRequest& request = *board.m_pRequest;
     const TThreadContext& context = ContextOf(board);
@@ -109,8 +116,10 @@ bool MayJuggle(const TChessboard& board, int nMoves)
     const int nMinDepth =
         bFew ? settings.m_nMinSchedulerDepth : settings.m_nMinSchedulerDepthOfMany;
     const int nLevel = LevelOf(board);
-    return nLevel >= 1 && nLevel <= request.m_nSchedulerLevels && board.m_nMoves >= nMinDepth &&
-           nMoves >= 1 && nMoves <= MAX_SHARED_MOVES && IsPlainCourse(context) &&
+    return nLevel >= 1 && request.m_nSchedulerLevels != 0 &&
+           (nLevel <= request.m_nSchedulerLevels || MayJuggleBeyond(board, nGoodMoves)) &&
+           board.m_nMoves >= nMinDepth && nMoves >= 1 && nMoves <= MAX_SHARED_MOVES &&
+           IsPlainCourse(context) &&
            (!(board.m_nHeuristics & SH_SINGLEQUEENMATE) ||
             board.m_nPass == PASS_WITHOUT_HEURISTICS || request.m_bSafeMode) &&
            IsMainPass(board) && request.m_pSchedulerThreads && IsLineWhole(board) &&
@@ -147,10 +156,11 @@ struct TScheduler::TMoveThread
     bool m_bLeftOut = false; ///< by hand
 };
 
-TScheduler::TScheduler(TChessboard& board, TSearch search)
+TScheduler::TScheduler(TChessboard& board, int nGoodMoves, TSearch search)
     : m_board(board), m_request(*board.m_pRequest), m_context(ContextOf(board)),
       m_search(std::move(search)), m_book(LevelOf(board), m_request.m_nSchedulerLevels)
 {
+    m_book.SetGoodMoves(nGoodMoves);
     ++m_request.m_sharingCounts.m_nSchedulers;
 }
 

@@ -23,8 +23,9 @@ extern std::atomic<int> g_nSchedulerThreads; ///< of all schedulers of the proce
 /// Levels for a task, of those that are wanted: the last ones would come too near to the leaves.
 int SchedulerLevelsFor(const TChessboard& root, int nLevels);
 
-/// Are the moves of the node to be juggled?
-bool MayJuggle(const TChessboard& board, int nMoves);
+/// Are the moves of the node to be juggled? nGoodMoves, at the head of the list, promise most.
+/// With m_bCustomScheduler two of them are enough behind the levels, too.
+bool MayJuggle(const TChessboard& board, int nMoves, int nGoodMoves);
 
 /// For the thread of the position: waits as long as it is held, or a thread that waits for it is
 /// held or paused. False when the thread is to give up.
@@ -42,7 +43,7 @@ public:
     /// The search behind a move of the node, called on the move's own copy of it.
     using TSearch = std::function<TSearchResult(TChessboard& child)>;
 
-    TScheduler(TChessboard& board, TSearch search);
+    TScheduler(TChessboard& board, int nGoodMoves, TSearch search);
     ~TScheduler();
     TScheduler(const TScheduler&) = delete;
     TScheduler& operator=(const TScheduler&) = delete;

@@ -22,7 +22,7 @@ constexpr int TENTH = -1;
 constexpr TLevelQuanta g_aQuanta[] = {{83, 21, 2}, {55, 13, 2}, {35, 8, 2}, {25, 5, 2}, {21, 3, 2},
                                       {17, 2, 2},  {11, 1, 3},  {5, 0, 7},  {3, -1, 10}};
 
-/// Beyond the levels.
+/// Behind the levels, of good moves; the others have a TENTH.
 constexpr TLevelQuanta QUANTA_BEYOND = {6, 2, 1};
 
 constexpr int CREDIT_OF_SECOND = 10;
@@ -77,6 +77,8 @@ TSchedulerBook::TQuantum TSchedulerBook::QuantumOf(int nIndex) const
     const int nFirstFree = FirstFree();
     if (m_nStarted == 1 || nIndex == 0 || nFirstFree == NONE || nFirstFree >= nIndex)
         return QuantumOfSeconds(quanta.m_nFirst);
+    if (m_nLevel > m_nLevels && nIndex >= m_nGoodMoves)
+        return QuantumOfSeconds(IsFavoured(nIndex) ? 1 : TENTH);
     if (!IsFavoured(nIndex))
         return QuantumOfSeconds(quanta.m_nNext);
     if (quanta.m_nNext == FRACTION)

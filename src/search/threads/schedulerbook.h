@@ -15,7 +15,8 @@ namespace corvina
 class TSchedulerBook
 {
 public:
-    /// nLevel: 1 for the first of nLevels levels at which moves are juggled.
+    /// nLevel: 1 for the first of nLevels levels at which moves are juggled; above nLevels for a
+    /// node behind them.
     TSchedulerBook(int nLevel, int nLevels) : m_nLevel(nLevel), m_nLevels(nLevels) {}
 
     /// The next move has a thread. bForcing: it checks, and Black's king can't simply take the
@@ -25,7 +26,8 @@ public:
     /// It has come to its end.
     void Finish(int nIndex);
 
-    /// The moves at the head of the list that the sort calls good.
+    /// The moves at the head of the list that the sort calls good. Behind the levels they keep
+    /// their turns long, while the others have short looks only.
     void SetGoodMoves(int nGoodMoves) { m_nGoodMoves = nGoodMoves; }
 
     /// The node has the result of a finished move.

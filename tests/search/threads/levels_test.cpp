@@ -104,6 +104,31 @@ TEST(Levels, LongTasksAtTheUsualDepths)
     EXPECT_GT(counts.m_nSchedulers, 3u);
 }
 
+/// Two moves that the user asks for are juggled behind the last level, too, where the rest of the
+/// list has short looks.
+TEST(Levels, GoodMovesAreJuggledBehindTheLevels)
+{
+    constexpr const char* POSITION = "k7/p1K3p1/PB6/8/8/7N/6p1/7b";
+    const auto run = [&](bool bCustom, const char* pItems, int nLevels) {
+        TSharingRequest request(TChessboard(), 7);
+        EXPECT_TRUE(ReadFen(*request.m_pChessboard, POSITION));
+        ParseSortIndications(request.m_sortIndications, pItems);
+        // In the last pass nodes as near to the leaves aren't sorted by them.
+        ReadHeuristicsText("SH_DONTLOSEANYFIGURES", request.m_heuristicSet,
+                           request.m_pChessboard.get());
+        TRunSettings settings = SettingsOf({1, 1, nLevels});
+        settings.m_bCustomScheduler = bCustom;
+        const auto vecSolutions = SortedTexts(Solve(request, settings).m_vecSolutions);
+        EXPECT_EQ(vecSolutions, std::vector<std::string>{"b6g1"}) << pItems;
+        return request.m_sharingCounts.m_nSchedulers.load();
+    };
+    constexpr const char* WANTED = "g1, f4, c5, d4, b6, b5, f1, g5";
+    const auto nUsual = run(false, WANTED, 1);
+    EXPECT_GT(nUsual, 0u);
+    EXPECT_GT(run(true, WANTED, 1), nUsual + nUsual / 3);
+    EXPECT_EQ(run(true, WANTED, 0), 0u);
+}
+
 /// A run with one thread has no groups; a list of two moves gives a group of two; a width of 100 is
 /// too much for one group.
 TEST(Levels, SizeOfAGroup)

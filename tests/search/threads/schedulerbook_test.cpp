@@ -20,8 +20,8 @@ TEST(SchedulerBook, QuantaFollowLevelAndPlace)
         int m_nLevel, m_nLevels;
         double m_dFirst, m_dNext, m_dFavoured;
     } aCases[] = {
-        {6, 6, 3, 0.1, 1},  {5, 6, 5, 0.3, 2}, {4, 6, 11, 1, 3}, {1, 6, 25, 5, 10},
-        {1, 9, 83, 21, 42}, {1, 1, 3, 0.1, 1}, {7, 6, 6, 2, 2},
+        {6, 6, 3, 0.1, 1},  {5, 6, 5, 0.3, 2}, {4, 6, 11, 1, 3},  {1, 6, 25, 5, 10},
+        {1, 9, 83, 21, 42}, {1, 1, 3, 0.1, 1}, {7, 6, 6, 0.1, 2},
     };
     for (const auto& c : aCases) {
         TSchedulerBook book(c.m_nLevel, c.m_nLevels);
