@@ -132,8 +132,18 @@ constexpr TPredefinedLine g_aLines[] = {
      "Rc4-c2+ Kd2-e3 12. Rc2:e2+ Ke3-f4 13. Re2-e4+ Kf4-g5 14. Re4-g4+ Kg5-f6 15. Rg4-g6+ Kf6-e7 "
      "16. Rg6-e6+ Ke7-d8 17. Re6-e8+ Kd8-c7 18. Re8-c8+ Kc7-b6 19. Rc8-c6+ Kb6-a5 20. Rc6-a6+ "
      "Ka5-b4 21. Ra6-a4+ Kb4-c3 22. Ra4-c4+ Kc3-d2 23. Rc4-c2+ Kd2-e3 24. Nh4-g2#"},
-    {"2K3bN/6n1/kbQ1p3/p6n/p5p1/8/6p1/8", nullptr},
-    {"5Q2/8/p7/1p6/8/5K2/3r4/4k1b1", nullptr},
+    {"2K3bN/6n1/kbQ1p3/p6n/p5p1/8/6p1/8",
+     "1. Qc6-c4+ Ka6-a7 2. Qc4-e4 Ka7-a6 3. Qe4-e2+ Ka6-a7 4. Qe2:g2 Ka7-a6 5. Qg2-e2+ Ka6-a7 6. "
+     "Qe2-e4 Ka7-a6 7. Qe4-c4+ Ka6-a7 8. Qc4-c6 Ka7-a6 9. Nh8-f7 Bg8:f7 10. Qc6-c4+ Ka6-a7 11. "
+     "Qc4-e4 Ka7-a6 12. Qe4-e2+ Ka6-a7 13. Qe2-g2 Ka7-a6 14. Qg2-f1+ Ka6-a7 15. Qf1:f7+ Ka7-a6 "
+     "16. Qf7-f1+ Ka6-a7 17. Qf1-g2 Ka7-a6 18. Qg2-e2+ Ka6-a7 19. Qe2-e4 Ka7-a6 20. Qe4-c4+ "
+     "Ka6-a7 21. Qc4-c6 Ka7-a6 22. Kc8-b8 a4-a3 23. Qc6-c4#"},
+    {"5Q2/8/p7/1p6/8/5K2/3r4/4k1b1",
+     "1. Qf8-b4 Bg1-f2 2. Qb4-b1+ Rd2-d1 3. Qb1-c2 Rd1-d2 4. Qc2-c1+ Rd2-d1 5. Qc1-c3+ Rd1-d2 6. "
+     "Qc3-b4 a6-a5 7. Qb4-b1+ Rd2-d1 8. Qb1-c2 Rd1-d2 9. Qc2-c1+ Rd2-d1 10. Qc1-c3+ Rd1-d2 11. "
+     "Qc3-a1+ Rd2-d1 12. Qa1:a5+ b5-b4 13. Qa5:b4+ Rd1-d2 14. Qb4-e4+ Ke1-f1 15. Qe4-c4+ Kf1-e1 "
+     "16. Qc4-b4 Bf2-d4 17. Qb4-b1+ Rd2-d1 18. Qb1-c2 Rd1-d2 19. Qc2-e4+ Bd4-e3 20. Qe4-b1+ "
+     "Rd2-d1 21. Qb1-c2 Rd1-d2 22. Qc2-c1+ Rd2-d1 23. Qc1:e3+ Ke1-f1 24. Qe3-f2#"},
     {"n7/6nb/BB1P1pNq/2PkPN2/5pP1/4pP1p/P1p2bp1/2K5", nullptr},
     {"1b3K2/r1p1B3/2P1p3/1P2k3/8/P1P1NbPp/3N1P2/8",
      "1. Be7-g5 Ke5-d6 2. Nd2-e4+ Kd6-e5 3. Ne4-c5 Ke5-d6 4. Bg5-e7+ Kd6-e5 5. Kf8-f7 Bf3-h5 6. "
@@ -147,7 +157,12 @@ constexpr TPredefinedLine g_aLines[] = {
      "1. Rf3:h3+ Bg2:h3 2. Qe4:h1+ Kh2:h1 3. Rg5:f5 g6:f5 4. Bf1:h3 Kh1-h2 5. Bh3-g2 g4-g3 6. "
      "Kf2-f3 Kh2-g1 7. Nf4-e2+ Kg1-h2 8. Ne2:g3 Kh2-g1 9. Ng3-e2+ Kg1-h2 10. Kf3-f2 f5-f4 11. "
      "Ne2-g1 f4-f3 12. Ng1:f3#"},
-    {"n2b4/4B1pN/p7/4pBp1/rpb2kP1/1p6/P2P3P/3KN3", nullptr},
+    {"n2b4/4B1pN/p7/4pBp1/rpb2kP1/1p6/P2P3P/3KN3",
+     "1. Nh7-f8 Bc4-f7 2. Kd1-e2 Bf7-c4 3. Ke2-f2 Bd8-b6 4. Kf2-g2 Bc4-d5 5. Kg2-h3 Bd5-f7 6. "
+     "Nf8-h7 Bb6-d8 7. Kh3-g2 Bf7-d5 8. Kg2-f2 Bd8-b6 9. Kf2-f1 Bd5-c4 10. Kf1-g2 Bc4-d5 11. "
+     "Kg2-h3 Bb6-d8 12. Nh7-f8 Bd5-f7 13. Kh3-g2 Bf7-d5 14. Kg2-f2 Bd8-b6 15. Kf2-e2 Bd5-c4 16. "
+     "Ke2-d1 Bc4-f7 17. Nf8-h7 Bb6-d8 18. Nh7:g5 e5-e4 19. Ng5:f7 Ra4-a5 20. Be7-d6+ Ra5-e5 21. "
+     "Bd6:e5#"},
     {"8/6p1/8/8/8/7p/2KB2n1/k6B",
      "1. Kc2-b3 Ka1-b1 2. Bd2-g5 Kb1-a1 3. Bg5-c1 Ka1-b1 4. Bc1-b2 g7-g6 5. Bb2-a3 Kb1-a1 6. "
      "Ba3-c1 Ka1-b1 7. Bc1-b2 g6-g5 8. Bb2-a3 Kb1-a1 9. Ba3-e7 g5-g4 10. Be7-f6+ Ka1-b1 11. Bf6-b2 "
@@ -158,7 +173,11 @@ constexpr TPredefinedLine g_aLines[] = {
      "Bc1-h6 Bd8-a5 7. Ne4-g5+ Kf3-f4 8. Ng5:e6+ Kf4-f3 9. Ne6-g5+ Kf3-f4 10. Ng5-e4+ Kf4-f3 11. "
      "Bh6-c1 Ba5-d8 12. Rb7-e7 Bd8:e7 13. Ne4-d2+ Kf3-f4 14. Nd2:b3+ Kf4-f3 15. Nb3:d4+ Nc6:d4 16. "
      "Ba2-d5+ e5-e4 17. Bd5:e4#"},
-    {"8/8/8/5Q2/5p2/p7/1p2p3/kN1K4", nullptr},
+    {"8/8/8/5Q2/5p2/p7/1p2p3/kN1K4",
+     "1. Kd1-d2 a3-a2 2. Qf5-a5 Ka1:b1 3. Qa5-f5+ Kb1-a1 4. Qf5-f6 Ka1-b1 5. Qf6-g6+ Kb1-a1 6. "
+     "Qg6-g7 e2-e1Q 7. Kd2:e1 Ka1-b1 8. Qg7-g6+ Kb1-a1 9. Qg6-f6 Ka1-b1 10. Qf6-f5+ Kb1-a1 11. "
+     "Qf5-e5 Ka1-b1 12. Qe5-e4+ Kb1-c1 13. Qe4-c4+ Kc1-b1 14. Qc4-d3+ Kb1-a1 15. Qd3-d4 f4-f3 "
+     "16. Ke1-f2 Ka1-b1 17. Qd4-d1#"},
     {"1Nb5/2p1pp2/5np1/1pp1rp2/2R4P/1N2kpP1/1K1R4/8",
      "1. Rc4-c1 f3-f2 2. Rc1-c3+ Ke3-e4 3. Rd2-e2+ Ke4-d5 4. Rc3:c5+ Kd5-d6 5. Rc5-c6+ Kd6-d5 6. "
      "Re2-d2+ Kd5-e4 7. Rc6-c3 c7-c5 8. Rd2-e2+ Ke4-d5 9. Rc3:c5+ Kd5-d6 10. Rc5-c6+ Kd6-d5 11. "
@@ -182,7 +201,10 @@ constexpr TPredefinedLine g_aLines[] = {
      "1. Ne4-c5 Bb2-c1 2. Nc5-b3+ Ka1-b2 3. Ne5-c4+ Kb2:c2 4. Nb3-d4+ Kc2:d1 5. Nc4-e3+ Kd1-e1 6. "
      "Nd4-f3+ Ke1:f2 7. Ne3-g4+ Kf2:g2 8. Nf3-h4+ Kg2-h3 9. Ng4-f2+ g3:f2 10. Ba6-c8+ Nd8-e6 11. "
      "Bc8:e6+ Bb1-f5 12. Be6:f5+ Rg1-g4 13. Bf5:g4+ Kh3:h4 14. Rf6-h6#"},
-    {"2rr4/3pp3/R1p1p2N/8/1pp2BR1/5p1k/4pP2/4K1nb", nullptr},
+    {"2rr4/3pp3/R1p1p2N/8/1pp2BR1/5p1k/4pP2/4K1nb",
+     "1. Bf4-g3 Kh3-g2 2. Bg3-d6+ Kg2-h3 3. Ra6-a5 c6-c5 4. Bd6-g3 Kh3-g2 5. Bg3-c7+ Kg2-h3 6. "
+     "Ra5:c5 d7-d5 7. Bc7-g3 Kh3-g2 8. Bg3-d6+ Kg2-h3 9. Rc5:d5 e6:d5 10. Bd6-g3 Kh3-g2 11. "
+     "Bg3-f4+ Kg2-h3 12. Rg4-g3+ Kh3-h4 13. Nh6-f5+ Kh4-h5 14. Rg3-g5#"},
     {"2K1R1R1/P4p2/3p1k1p/1p2b3/rPpB2P1/1p1P4/rP6/8",
      "1. Bd4-f2 Be5-f4 2. Bf2-h4+ Bf4-g5 3. Bh4-e1 Bg5-f4 4. Be1-c3+ Bf4-e5 5. d3-d4 Be5-f4 6. "
      "d4-d5+ Bf4-e5 7. Bc3-e1 Be5-f4 8. Be1-h4+ Bf4-g5 9. Bh4-f2 Bg5-f4 10. Bf2-d4+ Bf4-e5 11. "
@@ -191,12 +213,18 @@ constexpr TPredefinedLine g_aLines[] = {
      "1. Rh1-a1+ Ka7-b8 2. Ra1-b1+ Kb8-c8 3. Nc7:e6+ Kc8-d7 4. Rc4-c7+ Kd7:e6 5. Rb1-b6+ Ke6-f5 6. "
      "Rc7:f7+ Kf5-g5 7. Rf7-g7+ Kg5-h4 8. Rg7-g4+ Kh4-h3 9. Rg4-g3+ Kh3-h2 10. Rb6-b2+ Kh2-h1 11. "
      "Rb2-b1+ Kh1-h2 12. Rg3-g2+ Kh2-h3 13. Rb1-h1#"},
-    {"8/8/8/8/6R1/2B2p1K/5b2/7k", nullptr},
+    {"8/8/8/8/6R1/2B2p1K/5b2/7k",
+     "1. Rg4-f4 Kh1-g1 2. Rf4:f3 Kg1-f1 3. Bc3-d4 Kf1-e2 4. Rf3:f2+ Ke2-d3 5. Bd4-f6 Kd3-c4 6. "
+     "Rf2-f5 Kc4-b3 7. Kh3-g4 Kb3-a2 8. Rf5-f3 Ka2-b1 9. Rf3-f2 Kb1-c1 10. Rf2-b2 Kc1-d1 11. "
+     "Bf6-g5 Kd1-e1 12. Bg5-e3 Ke1-d1 13. Kg4-f3 Kd1-e1 14. Rb2-b1#"},
     {"4Nk1b/p2KN3/6P1/1pPp4/2p5/1P2BP2/1PP1P2r/3rq3",
      "1. Ne8-c7 Kf8-g7 2. Nc7-e6+ Kg7-f6 3. Be3-g5+ Kf6-e5 4. Ne6-d8 Ke5-d4 5. b3-b4 Qe1:b4 6. "
      "Nd8-e6+ Kd4-e5 7. Bg5-f4+ Ke5-f6 8. Ne6-c7 Kf6-g7 9. Bf4-g5 Rh2:e2 10. Nc7-e8+ Kg7-f8 11. "
      "Bg5-h6+ Bh8-g7 12. Bh6:g7#"},
-    {"7n/6p1/2KNNpP1/3P2r1/pp3p1P/k1pppP2/nrb1P3/2q5", nullptr},
+    {"7n/6p1/2KNNpP1/3P2r1/pp3p1P/k1pppP2/nrb1P3/2q5",
+     "1. Nd6-b5+ Ka3-b3 2. Ne6-c5+ Kb3-c4 3. Nb5-d6+ Kc4-d4 4. Nc5-e6+ Kd4-e5 5. Nd6-c4+ Ke5-f5 "
+     "6. Ne6-f8 Nh8:g6 7. Nc4-d6+ Kf5-e5 8. Nf8-d7+ Ke5-d4 9. Nd6-b5+ Kd4-c4 10. Nd7-b6+ Kc4-b3 "
+     "11. Nb5-d4+ Kb3-a3 12. Nb6-c4#"},
     {"B2K2n1/3P1p2/np1pk3/4p1RN/2Rp3P/rP5q/4P3/bb6",
      "1. Nh5-g7+ Ke6-f6 2. Ng7-e8+ Kf6-e6 3. Rc4-c6 Ke6-d5 4. Rc6-c2+ Kd5-e6 5. e2-e4 d4:e3 6. "
      "Rc2-c6 Ke6-d5 7. Rc6-c4+ Kd5-e6 8. Ne8-g7+ Ke6-f6 9. Ng7-h5+ Kf6-e6 10. Ba8-d5+ Ke6:d5 11. "
@@ -209,7 +237,10 @@ constexpr TPredefinedLine g_aLines[] = {
      "Qd5-f5+ Kf6-g7 7. Qf5-g6+ Kg7-h8 8. Bh7:g8 Ra4-a1 9. Kh1-g2 Ra1-a2 10. Kg2-f3 Ra2-a3 11. "
      "Kf3-e4 Ra3-e3 12. Ke4-d5 Re3-e5 13. Kd5-c6 Re5-c5 14. Kc6-b7 Rc5-c7 15. Kb7-a8 b4-b3 16. "
      "Qg6-h7#"},
-    {"n7/brp1K3/2R3p1/4Q2P/pkPpN2P/pp3p2/qr6/3b4", nullptr},
+    {"n7/brp1K3/2R3p1/4Q2P/pkPpN2P/pp3p2/qr6/3b4",
+     "1. Ke7-f8 Rb7-b8 2. Kf8-g7 Rb8-b7 3. Qe5-e7+ Kb4-a5 4. Qe7-g5+ Ka5-b4 5. Kg7-h6 g6:h5 6. "
+     "Qg5-e7+ Kb4-a5 7. Qe7-e5+ Ka5-b4 8. Kh6:h5 f3-f2 9. Kh5-g5 Bd1-e2 10. Rc6-b6+ Kb4:c4 11. "
+     "Qe5-b5#"},
     {"1N1Q3K/nNp4p/2rp3p/Bkp3Pr/4pP2/bP1pP3/P2Pn1q1/8",
      "1. Qd8-g8 Ba3-b2 2. Qg8-g7 Bb2-a3 3. Qg7-f7 Ba3-b2 4. Qf7-f6 Bb2-a3 5. Qf6-e6 Ba3-b2 6. "
      "Qe6-e5 Bb2-a3 7. Qe5-d5 Ba3-b2 8. Qd5-d4 Bb2:d4 9. e3:d4 Ne2-c3 10. d2:c3 Qg2-g3 11. a2-a4#"},
@@ -222,8 +253,12 @@ constexpr TPredefinedLine g_aLines[] = {
      "Qb3-c2 Kh8-g8 12. Qc2-a2+ b4-b3 13. Qa2:b3+ Kg8-h8 14. Qb3-c2 Kh8-g8 15. Qc2-a2+ d7-d5 16. "
      "Qa2:d5+ Kg8-h8 17. Qd5-d3 Kh8-g8 18. Qd3-b3+ Kg8-h8 19. Qb3-c2 Kh8-g8 20. Qc2-a2+ Kg8-h8 21. "
      "Qa2-h2+ Kh8-g8 22. Qh2:b8#"},
-    {"3n2r1/3B4/P4b2/rPN1pp2/pB1kP1P1/P4p2/2R2P2/1K6", nullptr},
-    {"8/3p4/1KBpk3/3p4/P4P2/5P2/1NPPNP2/8", nullptr},
+    {"3n2r1/3B4/P4b2/rPN1pp2/pB1kP1P1/P4p2/2R2P2/1K6",
+     "1. Rc2-d2+ Kd4-c4 2. Nc5-d3 Kc4-d4 3. Bd7:f5 Kd4-c4 4. Bf5-d7 Kc4-d4 5. Nd3-c5+ Kd4-c4 6. "
+     "Rd2-c2+ Kc4-d4 7. Bb4-d2 Bf6-g5 8. Bd2-c3+ Kd4:c5 9. Bc3:e5+ Kc5-b6 10. Be5-d4#"},
+    {"8/3p4/1KBpk3/3p4/P4P2/5P2/1NPPNP2/8",
+     "1. Bc6:d5+ Ke6-f5 2. Nb2-c4 Kf5-f6 3. Nc4-e3 Kf6-e7 4. Ne3-g4 Ke7-e8 5. Ne2-d4 Ke8-e7 6. "
+     "Nd4-f5+ Ke7-e8 7. a4-a5 Ke8-d8 8. a5-a6 Kd8-c8 9. a6-a7 Kc8-d8 10. a7-a8Q#"},
 };
 
 } // namespace
