@@ -1,5 +1,6 @@
 #include "search/guides/proofsearch.h"
 
+#include "heuristics/attacksets.h"
 #include "search/guides/proofwalk.h"
 #include "search/indications.h"
 #include "search/rootsetup.h"
@@ -39,6 +40,42 @@ std::uint32_t Weighted(std::uint32_t nNumber, std::uint64_t nWeight)
                                : static_cast<std::uint32_t>(
                                      std::min<std::uint64_t>(INFINITE - 1, nNumber * nWeight));
 }
+
+/// Black's moves by the rules of the figures, of a Black who isn't in check.
+struct TReplies
+{
+    int m_nReplies = 0;
+    bool m_bSurelyLegal = false; ///< a man moves that can't be pinned
+
+    explicit TReplies(const TChessboard& board)
+    {
+        using B = TSide<EColour::Black>;
+        const TSquareSet occupied = TSets::Occupied(board.m_board);
+        const TSquareSet own = B::Figures(board.m_board);
+        const TSquareSet free =
+            ~(g_geometry.m_aBishop[board.BlackKing()] | g_geometry.m_aRook[board.BlackKing()]);
+        TSquareSet men = own;
+        while (men) {
+            const TSquare from = PopLowestSquare(men);
+            const TFigure kind = board.m_board[from] & KIND_MASK;
+            const TSquareSet targets = kind == KIND_PAWN
+                                           ? PawnTargets(from, occupied, occupied & ~own)
+                                           : AttacksOf<EColour::Black>(kind, from, occupied) & ~own;
+            m_nReplies += std::popcount(targets);
+            m_bSurelyLegal |= targets && kind != KIND_KING && (free & Bit(from));
+        }
+    }
+
+private:
+    static TSquareSet PawnTargets(int from, TSquareSet occupied, TSquareSet white)
+    {
+        constexpr int HOME_ROW = TSide<EColour::Black>::HOME_ROW;
+        TSquareSet steps = Bit(from) >> 8 & ~occupied;
+        if (RowOf(from) == HOME_ROW)
+            steps |= steps >> 8 & ~occupied;
+        return steps | (PawnAttacks(EColour::Black, from) & white);
+    }
+};
 
 /// Number of the kind that decides for the side to move by its least child.
 std::uint32_t& Own(TProofNumbers& numbers, bool bWhite)
@@ -92,11 +129,17 @@ bool TProofSearch::Make(TChessboard& child, TMove move) const
                                             : child.MakeBlackMove(&move);
 }
 
-/// Black's replies by the rules of the figures; 0: none of them is legal.
+/// Black's replies by the rules of the figures, promotions counted once; 0: none of them is legal.
 int TProofSearch::CountReplies(TChessboard& board)
 {
-    if (board.m_blackChecker != NO_CHECK && !board.CanBlackEscapeCheck())
+    if (board.m_blackChecker == NO_CHECK) {
+        const TReplies replies(board);
+        if (replies.m_bSurelyLegal)
+            return replies.m_nReplies;
+    }
+    else if (!board.CanBlackEscapeCheck()) {
         return 0;
+    }
     TMoveList moves;
     const int nMoves = board.GenerateBlackMoves(moves.data());
     const auto isLegal = [&](const TMove& move) { return Make(m_context.MakeChild(board), move); };
@@ -140,29 +183,43 @@ void TProofSearch::Expand(TChessboard& board, std::vector<TChild>& vecChildren)
     const int nMoves =
         bWhite ? board.GenerateWhiteMoves(moves.data()) : board.GenerateBlackMoves(moves.data());
     vecChildren.clear();
+    std::size_t nAsked = 0;
     for (int i = 0; i < nMoves; ++i) {
-        TChessboard& child = m_context.MakeChild(board);
+        TChessboard& child = m_aBatch[vecChildren.size() - nAsked];
+        child = board;
+        child.m_pParent = &board;
         if (!Make(child, moves[i]))
             continue;
         vecChildren.push_back(
             {moves[i], {}, TProofTable::KeyOf(child), static_cast<std::uint8_t>(i)});
         m_table.Prefetch(vecChildren.back().m_nKey, nPlies);
+        if (vecChildren.size() - nAsked < BATCH)
+            continue;
+        if (AskForNumbers(vecChildren, nAsked, nPlies, bWhite))
+            return;
+        nAsked = vecChildren.size();
     }
-    m_context.m_nPositions += vecChildren.size();
-    for (TChild& entry : vecChildren) {
-        if (!m_table.Find(entry.m_nKey, nPlies, &entry.m_numbers)) {
-            TChessboard& child = m_context.MakeChild(board);
-            Make(child, entry.m_move);
-            entry.m_numbers = Evaluate(child, entry.m_nKey);
-        }
+    if (!AskForNumbers(vecChildren, nAsked, nPlies, bWhite) && bWhite)
+        PutBehindIndicated(board, vecChildren);
+}
+
+/// Numbers of the children from nFirst on, whose records are the batch. True: one of them decides
+/// the node, and is the only child that is left.
+bool TProofSearch::AskForNumbers(std::vector<TChild>& vecChildren, std::size_t nFirst, int nPlies,
+                                 bool bWhite)
+{
+    m_context.m_nPositions += vecChildren.size() - nFirst;
+    for (std::size_t i = nFirst; i < vecChildren.size(); ++i) {
+        TChild& entry = vecChildren[i];
+        if (!m_table.Find(entry.m_nKey, nPlies, &entry.m_numbers))
+            entry.m_numbers = Evaluate(m_aBatch[i - nFirst], entry.m_nKey);
         if (Own(entry.m_numbers, bWhite) == 0) {
             std::swap(entry, vecChildren.front());
             vecChildren.resize(1);
-            return;
+            return true;
         }
     }
-    if (bWhite)
-        PutBehindIndicated(board, vecChildren);
+    return false;
 }
 
 /// Moves of White beside those that the sort indications want early get a weight. One that is to be

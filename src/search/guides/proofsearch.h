@@ -4,6 +4,7 @@
 #include "search/guides/prooftable.h"
 #include "search/solverequest.h"
 
+#include <array>
 #include <cstdint>
 #include <optional>
 #include <vector>
@@ -67,6 +68,8 @@ private:
     bool Make(TChessboard& child, TMove move) const;
     int CountReplies(TChessboard& board);
     void Expand(TChessboard& board, std::vector<TChild>& vecChildren);
+    bool AskForNumbers(std::vector<TChild>& vecChildren, std::size_t nFirst, int nPlies,
+                       bool bWhite);
     void PutBehindIndicated(TChessboard& board, std::vector<TChild>& vecChildren);
     TProofNumbers Evaluate(TChessboard& child, std::uint64_t nKey);
     TChoice Choose(const std::vector<TChild>& vecChildren, int nPlies, bool bWhite) const;
@@ -84,6 +87,12 @@ private:
     TProofTable& m_table;
     TThreadContext m_context;
     TChessboard m_board;
+
+    /// Records of the children that the table is asked for next: their entries come from memory
+    /// meanwhile.
+    static constexpr std::size_t BATCH = 16;
+    std::array<TChessboard, BATCH> m_aBatch;
+
     const bool m_bLong;
     bool m_bRegister; ///< the run has one for this task
     std::uint64_t m_nRootKey;
