@@ -93,6 +93,30 @@ void TryPromotedRules(TAnalysis& a);
 /// White drives the king with a queen and a knight.
 bool IsQueenKnightDrive(const TAnalysis& a);
 
+// Key figure and blocked figures (analysisblocked.cpp)
+
+/// A list of blocked figures comes into the set when White is too weak to take them.
+void ChooseBlockedFigures(TAnalysis& a);
+
+/// SH_KEYWHITEFIGURE
+void ChooseKeyFigure(TAnalysis& a);
+
+/// A key rook on a line of the edge holds the king there.
+void HoldKingByKeyRook(TAnalysis& a);
+
+/// With a key figure all blocked figures are listed.
+void ListFiguresBesideKey(TAnalysis& a);
+
+/// A relaxation may shorten the list where the king is held without it.
+void NoteShrinkableList(TAnalysis& a);
+
+/// One line can't have both a key figure and a bishop that must not leave it.
+void DropKeyFigureOnDiagonal(TAnalysis& a);
+
+/// SH_SWEEPINGWHITEROOK
+void ChooseSweepingRook(TAnalysis& a);
+void ForceSafeModeForKeyFigure(TAnalysis& a);
+
 // The Black king (analysisking.cpp)
 
 void ChooseKingOffEdge(TAnalysis& a);

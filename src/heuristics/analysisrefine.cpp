@@ -270,11 +270,12 @@ void AdjustPromotedRules(TAnalysis& a)
 void RefineSet(TAnalysis& a)
 {
     constexpr void (*STEPS[])(TAnalysis&) = {
-        ProtectPromotion,    SurroundOffEdge,     HoldByLoneMajor,    SurroundUnguardedKing,
-        LetKingRecede,       SwapEdgeForSurround, SurroundHeldKing,   ChooseExtEdge,
-        WidenCrowdedEdge,    RelaxForBlackQueen,  CheckStrictForm,    CheckPlainForm,
-        SurroundWithFigures, PreferSurround,      CheckWeakForms,     ResolveConflicts,
-        RefineByZugzwang,    TryPromotedRules,    AdjustPromotedRules};
+        ProtectPromotion,   SurroundOffEdge,      HoldByLoneMajor,    SurroundUnguardedKing,
+        ChooseKeyFigure,    HoldKingByKeyRook,    LetKingRecede,      SwapEdgeForSurround,
+        SurroundHeldKing,   ListFiguresBesideKey, ChooseExtEdge,      WidenCrowdedEdge,
+        RelaxForBlackQueen, CheckStrictForm,      CheckPlainForm,     SurroundWithFigures,
+        PreferSurround,     CheckWeakForms,       ResolveConflicts,   RefineByZugzwang,
+        TryPromotedRules,   NoteShrinkableList,   AdjustPromotedRules};
     for (const auto step : STEPS)
         step(a);
 }

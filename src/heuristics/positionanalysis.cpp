@@ -3,14 +3,10 @@
 #include "chess/sides.h"
 #include "heuristics/analysis.h"
 #include "heuristics/attacksets.h"
-#include "heuristics/blockedfigures.h"
 #include "heuristics/forcedmate.h"
-#include "heuristics/keyfigure.h"
 #include "heuristics/kingsurroundings.h"
 #include "heuristics/reduction.h"
 #include "heuristics/singlequeen.h"
-#include "heuristics/sweepingrook.h"
-#include "search/hooks.h"
 #include "search/solverequest.h"
 
 #include <chrono>
@@ -57,37 +53,6 @@ void CheckMiddlingNumber(TAnalysis& a)
         a.SetFlag(TChessboard::POSITION_PAWNPLAY);
 }
 
-/// Most of Black's figures are shut in: that is what the problem is about, and not a figure that
-/// has yet to be developed.
-bool IsBlackShutIn(const TPositionFacts& f, TSquareSet blocked)
-{
-    constexpr int MIN_BLOCKED = 2, MAX_MOVABLE = 1;
-    return std::popcount(blocked) >= MIN_BLOCKED && f.m_nMovableFigures <= MAX_MOVABLE;
-}
-
-/// A list of blocked figures comes into the set when White is too weak to take them.
-void ChooseBlockedFigures(TAnalysis& a)
-{
-    constexpr int MIN_PLIES = 7, MANY_MAJORS = 3;
-    const TPositionFacts& f = a.m_facts;
-    const bool bWeak =
-        f.m_nWhiteMajors < MANY_MAJORS || 2 * f.m_nWhiteMaterial / 3 < f.m_nBlackMaterial;
-    TSquareSet figures = FindBlockedFigures(a.m_board).Figures();
-    if (a.m_board.m_nMoves < MIN_PLIES || !bWeak || !IsBlackShutIn(f, figures))
-        return;
-    a.Set(SH_DONTLETFIGUREUNBLOCK);
-    THeuristicsParams& p = a.m_params;
-    p.m_bUnblockListSet = true;
-    for (p.m_nUnblockFigures = 0; figures && p.m_nUnblockFigures < MAX_UNBLOCK_FIGURES;
-         ++p.m_nUnblockFigures)
-    {
-        const TSquare square = PopLowestSquare(figures);
-        p.m_unblockSquares[p.m_nUnblockFigures] = static_cast<std::int8_t>(square);
-        p.m_unblockSquaresAtRoot[p.m_nUnblockFigures] = static_cast<std::int8_t>(square);
-        p.m_bUnblockListHasPawn |= a.m_board.m_board[square] == BLACK_PAWN;
-    }
-}
-
 void ChooseByFigures(TAnalysis& a)
 {
     CheckMiddlingNumber(a);
@@ -109,21 +74,12 @@ void DropHopelessPromotionRule(TAnalysis& a)
         a.Clear(SH_DONTLETPROMOTEDQUEENMOVE);
 }
 
-void ChooseKeyFigures(TAnalysis& a)
+void ChooseSingleQueen(TAnalysis& a)
 {
-    const TKeyFigure key = AnalyzeKeyWhiteFigure(a.m_board);
-    if (key.IsFound()) {
-        a.Set(SH_KEYWHITEFIGURE);
-        a.m_params.m_keyFigureSquare = key.m_square;
-        a.m_params.m_pinnedFigureSquare = key.m_pinned;
-        a.m_params.m_bKeyFigureIsRook = a.m_board.m_board[key.m_square] == WHITE_ROOK;
-    }
-    if (IsSweepingRookType(a.m_board))
-        a.Set(SH_SWEEPINGWHITEROOK);
-    if (IsSingleQueenMate(a.m_board)) {
-        a.Set(SH_SINGLEQUEENMATE);
-        a.Clear(SH_FINDFORCEDMATE | SH_KEEPKINGONTHEEDGE | SH_REDUCTIONTOGLOBREGPOS);
-    }
+    if (!IsSingleQueenMate(a.m_board))
+        return;
+    a.Set(SH_SINGLEQUEENMATE);
+    a.Clear(SH_FINDFORCEDMATE | SH_KEEPKINGONTHEEDGE | SH_REDUCTIONTOGLOBREGPOS);
 }
 
 /// No figure of Black can move, and White has what it takes to use that.
@@ -203,9 +159,11 @@ void ApplyPredefinedSettings(TAnalysis& a)
 void FinishSet(TAnalysis& a)
 {
     DropHopelessPromotionRule(a);
-    ChooseKeyFigures(a);
+    DropKeyFigureOnDiagonal(a);
+    ChooseSingleQueen(a);
     NoteBlockedBlack(a);
     FreeKingBehindRook(a);
+    ChooseSweepingRook(a);
     if (a.Has(SH_FINDFORCEDMATE) && a.m_params.m_nFfmWithOther != FFM_OTHERS_APPLY &&
         !a.m_params.m_bFfmPreliminary)
         MakeForcedMateCustom(a.m_board, a.m_params);
@@ -213,6 +171,7 @@ void FinishSet(TAnalysis& a)
     TightenExtEdge(a);
     ChooseCorner(a);
     ChooseSaveWithException(a);
+    ForceSafeModeForKeyFigure(a);
     DropEdgeFormsOfSeaSnake(a);
     ApplyPredefinedSettings(a);
     ForceSafeModeForLonePiece(a);
@@ -247,6 +206,10 @@ void DropUnusedParams(THeuristicSet& set)
     p.m_bSurroundAfterExceptions = from.m_bSurroundAfterExceptions;
     p.m_bDropQueenCheckEarly = from.m_bDropQueenCheckEarly;
     p.m_bDropPromotedEarly = from.m_bDropPromotedEarly;
+    if (set.m_nHeuristics & SH_DONTLETFIGUREUNBLOCK) {
+        p.m_bUnblockShrinkable = from.m_bUnblockShrinkable;
+        p.m_nUnblockShrinkFigures = from.m_nUnblockShrinkFigures;
+    }
     if (set.m_nHeuristics & SH_FINDFORCEDMATE) {
         p.m_nFfmRelaxations = from.m_nFfmRelaxations;
         p.m_nFfmCustomRelaxations = from.m_nFfmCustomRelaxations;

@@ -91,10 +91,13 @@ EVerdict TestSweepingRook(TBlackMove& move)
     const TOrigin origin = OriginOf(board, last.m_to);
     if (origin.m_bPromoted)
         return move.CutUnlessMateWithin(3);
-    const bool bNextToKing = g_geometry.m_aRook[origin.m_square] & KingZone(origin.m_square) &
-                             Bit(board.GetRootBoard().BlackKing());
-    return bNextToKing || !OnCommonLine(last.m_to, origin.m_square) ? move.CutUnlessMateInOne()
-                                                                    : EVerdict::Passes;
+    // A bishop beside the king guards the lines of both squares.
+    const TSquare king = board.GetRootBoard().BlackKing();
+    const bool bBesideKing =
+        g_geometry.m_aRook[origin.m_square] & KingZone(origin.m_square) & Bit(king);
+    const bool bOffLine = !OnCommonLine(last.m_to, origin.m_square) ||
+                          (bBesideKing && !OnCommonLine(last.m_to, king));
+    return bOffLine ? move.CutUnlessMateWithin(3) : EVerdict::Passes;
 }
 
 bool IsSweepGivenUp(const TChessboard& child)

@@ -78,7 +78,7 @@ int FreeSquaresInBoxOfTwo(const TChessboard& board)
 /// The kings are too far apart for a mate on the edge with one figure or none.
 bool IsKingTooFarFromEdge(const TBlackMove& move, const TMeans& means)
 {
-    constexpr int MIN_PLIES = 8;
+    constexpr int MIN_PLIES = 9;
     const TChessboard& board = move.m_board;
     if (means.m_nMajors + means.m_nMinors >= 2 || KingDistance(board) < means.m_nMoves + 2 ||
         PliesBeforeShortMate(move) < MIN_PLIES || FreeKingSquares(board) == 0 || IsShielded(board))
@@ -103,7 +103,7 @@ bool IsKingTooFarInside(const TBlackMove& move, const TMeans& means)
 EVerdict TestThreeMovesToMate(TBlackMove& move)
 {
     constexpr int MAX_PLIES_WITHOUT_KING = 15, MAX_PLIES_OF_MINOR = 9;
-    constexpr int MIN_PLIES_BEFORE = 5, FEW_MEN = 8;
+    constexpr int MAX_PLIES_BEFORE = 6, FEW_MEN = 8;
     const TChessboard& board = move.m_board;
     const TMeans means(board);
     if (IsLackingForThreeMoves(move, means))
@@ -112,7 +112,7 @@ EVerdict TestThreeMovesToMate(TBlackMove& move)
         return EVerdict::Passes;
     const bool bLittle = (means.m_nMajors == 0 && means.m_nMinors < 3) || means.m_nMinors == 0;
     if (board.m_nMoves < MAX_PLIES_WITHOUT_KING && bLittle) {
-        if (PliesBeforeShortMate(move) <= MIN_PLIES_BEFORE &&
+        if (PliesBeforeShortMate(move) <= MAX_PLIES_BEFORE &&
             std::popcount(TSets::Occupied(board.m_board)) < FEW_MEN)
             return EVerdict::Passes;
         const bool bFar =

@@ -44,12 +44,14 @@ int IndexOf(const std::int8_t* pSquares, int nSquares, TSquare square)
     return pFound == pEnd ? -1 : static_cast<int>(pFound - pSquares);
 }
 
-/// A relaxation takes a figure that left its place off a list that the search has made.
+/// A relaxation takes a figure that left its place off a list that the search has made, or that may
+/// be shortened.
 void NoteViolator(TThreadContext& context, int nIndex)
 {
     const std::int8_t square = context.m_unblockSquares[nIndex];
     std::int8_t* pEnd = context.m_unblockViolators + context.m_nUnblockViolators;
-    if (context.m_bDlfuDynamicActive && context.m_nUnblockViolators < MAX_UNBLOCK_FIGURES &&
+    if ((context.m_bDlfuDynamicActive || context.m_bUnblockShrinkable) &&
+        context.m_nUnblockViolators < MAX_UNBLOCK_FIGURES &&
         std::find(context.m_unblockViolators, pEnd, square) == pEnd)
         context.m_unblockViolators[context.m_nUnblockViolators++] = square;
 }
@@ -117,9 +119,12 @@ bool IsStepAllowed(const TBlackMove& move, TSquare listed)
            (KingZone(listed) & Bit(to));
 }
 
-bool IsStrictKing(const TBlackMove& move)
+/// The king is held on his square, and what matters are Black's queens and rooks: one of them is
+/// free, or White has just taken one.
+bool IsAboutMajors(const TBlackMove& move)
 {
-    return move.Has(SH_KEEPKINGONTHEEDGE) && move.m_context.m_bKingMustNotMove;
+    return move.Has(SH_KEEPKINGONTHEEDGE) && move.m_context.m_bKingMustNotMove &&
+           (IsMajor(move.WhiteCapture()) || !AreBlackMajorsPinned(move.m_board));
 }
 
 /// White takes it next, or it can't go on.
@@ -150,8 +155,7 @@ EVerdict TestFollowedFigure(TBlackMove& move)
     context.m_nUnblockIndex = static_cast<std::uint8_t>(nIndex);
     const TFigure figure = board.m_board[to];
     if (!IsMajor(figure)) {
-        if ((figure == BLACK_PAWN && ArePawnsFree(move)) ||
-            (IsStrictKing(move) && IsMajor(move.WhiteCapture())) ||
+        if ((figure == BLACK_PAWN && ArePawnsFree(move)) || IsAboutMajors(move) ||
             IsStepAllowed(move, static_cast<TSquare>(context.m_unblockSquares[nIndex])))
             return EVerdict::Passes;
     }

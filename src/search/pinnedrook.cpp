@@ -187,6 +187,8 @@ std::optional<TMove> FindPinnedRookMate(TChessboard& root)
         if (child.MakeWhiteMove(&moves[i]) && SearchBlack<NODE_MAIN>(child) == RESULT_MATE)
             key = moves[i];
     }
+    root.m_nPositionFlags &= static_cast<std::uint16_t>(~TChessboard::POSITION_PINNEDROOK);
+    root.m_nPositionFlags |= board.m_nPositionFlags & TChessboard::POSITION_PINNEDROOK;
     request.m_nPinnedRookSearches += context.m_nPinnedRookSearches;
     request.m_nPinnedRookMates += context.m_nPinnedRookMates;
     return key;

@@ -134,7 +134,10 @@ int ChooseQuickerMateDepth(const TChessboard& board)
         return nRequested;
     const int d = board.m_nMoves;
     const std::uint32_t nMask = board.m_nHeuristics;
-    int nMax = std::min(d - 1, MAX_QUICKER_MATE);
+    // A rook that sweeps drives the king down to the first row: that takes all moves there are.
+    const bool bSweeps = (nMask & SH_SWEEPINGWHITEROOK) && board.m_blackKingRow != 0 &&
+                         ContextOf(board).m_nQuickerMateNesting <= 1;
+    int nMax = std::min(bSweeps ? d : d - 1, MAX_QUICKER_MATE);
     if (nMask && !(board.m_nPositionFlags & TChessboard::POSITION_MANYFIGURES) &&
         IsLongMateUnlikely(board))
         nMax = std::min(nMax, MAX_UNLIKELY);

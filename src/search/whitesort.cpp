@@ -3,6 +3,7 @@
 #include "chess/squaresets.h"
 #include "heuristics/heuristicbits.h"
 #include "heuristics/kingsurroundings.h"
+#include "heuristics/singlequeen.h"
 #include "search/hooks.h"
 #include "search/indications.h"
 #include "search/line.h"
@@ -149,6 +150,11 @@ bool IsBareMaterial(const TChessboard& root)
 /// What is known of a position with White to move: REPLIES_... of a single reply.
 int Known(TChessboard& board)
 {
+    if (board.m_nHeuristics & SH_SINGLEQUEENMATE) {
+        const int nPlies = AskCustomTable(board);
+        if (nPlies != GLOBAL_REGISTER_UNKNOWN && nPlies > 0 && nPlies <= board.m_nMoves)
+            return REPLIES_MATED;
+    }
     if (board.m_nPositionFlags & TChessboard::POSITION_GLOBALREGISTER) {
         const int nPlies = AskGlobalRegister(board);
         if (nPlies != GLOBAL_REGISTER_UNKNOWN)

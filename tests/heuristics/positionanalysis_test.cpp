@@ -113,6 +113,8 @@ void CopyWhatNoTextTells(const THeuristicSet& from, THeuristicSet& to)
     to.m_params.m_bFfmAddCaptures = from.m_params.m_bFfmAddCaptures;
     to.m_params.m_nFfmRelaxations = from.m_params.m_nFfmRelaxations;
     to.m_params.m_bSaveFigureException = from.m_params.m_bSaveFigureException;
+    to.m_params.m_bUnblockShrinkable = from.m_params.m_bUnblockShrinkable;
+    to.m_params.m_nUnblockShrinkFigures = from.m_params.m_nUnblockShrinkFigures;
 }
 
 TEST(PositionAnalysis, SetsAreReadableAndRelaxToTheirEnd)

@@ -161,6 +161,17 @@ TEST(Predefined, FiguresListedAtTheRoot)
     ASSERT_TRUE(List(position.board, C7));
     EXPECT_EQ(HookOnPawn(position.board), HOOK_DOUBTFUL);
     EXPECT_EQ(position.context.m_nUnblockViolators, 0) << "nothing is dynamic";
+
+    // A list that may be shortened: the pawn goes, the rook stays.
+    position.context.m_bLetRelax = true;
+    position.context.m_bUnblockShrinkable = true;
+    EXPECT_EQ(HookOnPawn(position.board), HOOK_DOUBTFUL);
+    EXPECT_EQ(TryRelaxSpecialHeuristics(position.board), 1);
+    EXPECT_EQ(position.board.m_nHeuristics, SH_DONTLETFIGUREUNBLOCK);
+    EXPECT_EQ(position.context.m_nUnblockFigures, 1);
+    EXPECT_EQ(position.context.m_unblockSquares[0], H8);
+    EXPECT_EQ(HookOnPawn(position.board), HOOK_PASSES);
+    EXPECT_EQ(TryRelaxSpecialHeuristics(position.board), 0) << "nothing has left its place";
 }
 
 TEST(Predefined, NoRowForAPositionThatDiffersInOneSquare)
