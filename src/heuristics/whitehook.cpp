@@ -2,8 +2,6 @@
 #include "heuristics/materialblocks.h"
 #include "search/hooks.h"
 
-#include <bit>
-
 namespace corvina
 {
 namespace
@@ -37,9 +35,7 @@ bool IsWhiteMoveDoubtful(TChessboard& child)
     for (const TWhiteBlock& block : g_aWhiteBlocks) {
         if (!(child.m_nHeuristics & block.m_nHeuristic) || !block.m_isDoubtful(child))
             continue;
-        TThreadContext& context = ContextOf(child);
-        context.m_nDoubtReason = block.m_nHeuristic;
-        ++context.m_anCuts[static_cast<std::size_t>(std::countr_zero(block.m_nHeuristic))];
+        ContextOf(child).NoteWhiteCut(block.m_nHeuristic);
         return true;
     }
     return false;

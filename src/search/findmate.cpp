@@ -63,13 +63,15 @@ struct TRun
     std::atomic<bool> m_bFoundEnough{false}; ///< the mode asks for no more solutions
     std::atomic<std::uint64_t> m_nScoutPositions{0};
     std::atomic<bool> m_bFoundByScout{false};
-    std::array<std::uint64_t, 32> m_anCuts{}; ///< guarded by m_mutex
+    std::array<std::uint64_t, 32> m_anCuts{}, m_anWhiteCuts{}; ///< guarded by m_mutex
 
     void AddCounts(const TThreadContext& context)
     {
         const std::lock_guard guard(m_mutex);
-        for (std::size_t i = 0; i < m_anCuts.size(); ++i)
+        for (std::size_t i = 0; i < m_anCuts.size(); ++i) {
             m_anCuts[i] += context.m_anCuts[i];
+            m_anWhiteCuts[i] += context.m_anWhiteCuts[i];
+        }
         m_anCuts[std::countr_zero(SH_USEBLOCKBLACKPAWNSLEVEL)] += context.m_nBlockedPawnMoves;
         TSolveRequest& request = *m_root.m_pRequest;
         request.m_nPinnedRookSearches += context.m_nPinnedRookSearches;
@@ -628,6 +630,7 @@ std::int8_t FindMate(TChessboard& root, std::vector<TMove>& vecResult)
     request.m_nScoutPositions = run.m_nScoutPositions;
     request.m_bFoundByScout = run.m_bFoundByScout;
     request.m_anCuts = run.m_anCuts;
+    request.m_anWhiteCuts = run.m_anWhiteCuts;
     const bool bOpen = !run.m_bFoundEnough && run.m_table.HasOpenMoves();
     request.m_bCutShort = bOpen && request.IsStoppedForAll();
     request.m_bDoubtful = bOpen && !request.m_bCutShort;

@@ -81,8 +81,7 @@ public:
             board, pMoves, nMoves, context.m_aWhiteKillers[board.m_nMoves].m_move);
         if (!list.m_bComplete) {
             ++*pnDoubtful;
-            context.m_nDoubtReason = SH_FINDFORCEDMATE;
-            ++context.m_anCuts[std::countr_zero(SH_FINDFORCEDMATE)];
+            context.NoteWhiteCut(SH_FINDFORCEDMATE);
         }
         return SortWhiteMovesCheap(board, pMoves + nMoves, list.m_nMoves - nMoves);
     }

@@ -61,9 +61,7 @@ public:
         if (m_sorted.m_nLeftOut == 0 && m_nNarrowedBy == 0)
             return 0;
         *pnDoubtful += m_sorted.m_nLeftOut + (m_nNarrowedBy != 0);
-        TThreadContext& context = ContextOf(board);
-        context.m_nDoubtReason = m_nNarrowedBy ? m_nNarrowedBy : SH_SKIPWORSTWHITEMOVES;
-        ++context.m_anCuts[std::countr_zero(context.m_nDoubtReason)];
+        ContextOf(board).NoteWhiteCut(m_nNarrowedBy ? m_nNarrowedBy : SH_SKIPWORSTWHITEMOVES);
         return 0;
     }
 

@@ -134,6 +134,8 @@ struct TSolveRequest : TProblem, TStopBlock, TRegisterHost
     std::uint64_t m_nPinnedRookSearches = 0;    ///< of TThreadContext, summed up
     std::uint64_t m_nPinnedRookMates = 0;
     std::uint64_t m_nUnblockTries = 0;
+    /// Those of m_anCuts at moves of White.
+    std::array<std::uint64_t, 32> m_anWhiteCuts{};
     int m_nOneColourMates = 0;   ///< keys of the last run that its reduced problem has shown
     int m_nSingleQueenMates = 0; ///< and those of its single queen searches
 

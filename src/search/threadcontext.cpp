@@ -22,6 +22,7 @@ TThreadContext::TThreadContext(const TThreadContext& owner, const TChessboard& b
     for (std::uint64_t TThreadContext::*pCount : COUNTS)
         this->*pCount = 0;
     m_anCuts.fill(0);
+    m_anWhiteCuts.fill(0);
     TChessboard* pChild = nullptr;
     for (const TChessboard* p = &board; p; p = p->m_pParent) {
         TChessboard& copy = Slot(p->m_nMoves + 1);
@@ -37,8 +38,10 @@ void TThreadContext::TakeCounts(const TThreadContext& other)
 {
     for (std::uint64_t TThreadContext::*pCount : COUNTS)
         this->*pCount += other.*pCount;
-    for (std::size_t i = 0; i < m_anCuts.size(); ++i)
+    for (std::size_t i = 0; i < m_anCuts.size(); ++i) {
         m_anCuts[i] += other.m_anCuts[i];
+        m_anWhiteCuts[i] += other.m_anWhiteCuts[i];
+    }
 }
 
 bool IsLineWhole(const TChessboard& board)

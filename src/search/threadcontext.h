@@ -7,6 +7,7 @@
 #include "search/threads/suspension.h"
 
 #include <array>
+#include <bit>
 #include <cstdint>
 #include <vector>
 
@@ -138,6 +139,16 @@ public:
     std::uint32_t m_nDoubtReason = 0;
     std::uint8_t m_nHookNesting = 0;          ///< hooks of Black's moves that are open
     std::array<std::uint64_t, 32> m_anCuts{}; ///< lines that each heuristic has cut, by its bit
+    std::array<std::uint64_t, 32> m_anWhiteCuts{}; ///< those of NoteWhiteCut among them
+
+    /// A heuristic has cut a move of White, or left moves out of the list of his node.
+    void NoteWhiteCut(std::uint32_t nHeuristic)
+    {
+        m_nDoubtReason = nHeuristic;
+        const auto nBit = static_cast<std::size_t>(std::countr_zero(nHeuristic));
+        ++m_anCuts[nBit];
+        ++m_anWhiteCuts[nBit];
+    }
 
     /// A mate was proved by a capture of the figure that Black had just promoted: it holds against
     /// each of the four.

@@ -9,8 +9,6 @@
 #include "search/hooks.h"
 #include "search/threadcontext.h"
 
-#include <bit>
-
 namespace corvina
 {
 
@@ -28,9 +26,7 @@ inline bool RecedesFromBlackKing(const TChessboard& board, const TMove& move)
     const TSquare king = board.BlackKing();
     if (Distance(move.m_to, king) <= Distance(move.m_from, king))
         return false;
-    TThreadContext& context = ContextOf(board);
-    context.m_nDoubtReason = SH_DONTRECEDEBLACKKING;
-    ++context.m_anCuts[std::countr_zero(SH_DONTRECEDEBLACKKING)];
+    ContextOf(board).NoteWhiteCut(SH_DONTRECEDEBLACKKING);
     return true;
 }
 
@@ -40,9 +36,7 @@ inline bool LeavesHeldPawn(const TChessboard& board, const TMove& move)
     if (!(board.m_nHeuristics & SH_SINGLEQUEENMATE) || board.m_nPass != 1 ||
         !FreesHeldPawn(board, move))
         return false;
-    TThreadContext& context = ContextOf(board);
-    context.m_nDoubtReason = SH_SINGLEQUEENMATE;
-    ++context.m_anCuts[std::countr_zero(SH_SINGLEQUEENMATE)];
+    ContextOf(board).NoteWhiteCut(SH_SINGLEQUEENMATE);
     return true;
 }
 
@@ -60,9 +54,7 @@ inline bool IsOffZugzwangMap(const TChessboard& root, const TMove& move)
     if (!(root.m_nHeuristics & SH_ZUGZWANG) || root.m_nPass != 1 ||
         IsZugzwangAllowedMove(root, move))
         return false;
-    TThreadContext& context = ContextOf(root);
-    context.m_nDoubtReason = SH_ZUGZWANG;
-    ++context.m_anCuts[std::countr_zero(SH_ZUGZWANG)];
+    ContextOf(root).NoteWhiteCut(SH_ZUGZWANG);
     return true;
 }
 

@@ -35,6 +35,7 @@ TRunOf SolveWith(const TChessboard& board, int nMate, const THeuristicSet& set, 
     settings.m_bQuickMode = nMate % 2 == 0;
     run.m_vecSolutions = SortedTexts(Solve(request, settings).m_vecSolutions);
     run.m_anCuts = request.m_anCuts;
+    run.m_anWhiteCuts = request.m_anWhiteCuts;
     run.m_bDoubtful = request.m_bDoubtful;
     run.m_nOneColourMates = request.m_nOneColourMates;
     run.m_nSingleQueenMates = request.m_nSingleQueenMates;

@@ -18,7 +18,7 @@ struct TRunOf
 {
     std::vector<std::string> m_vecSolutions;
     std::vector<TPassReport> m_vecPasses;
-    std::array<std::uint64_t, 32> m_anCuts{};
+    std::array<std::uint64_t, 32> m_anCuts{}, m_anWhiteCuts{};
     bool m_bDoubtful = false;
 
     // What searches of their own have shown (TSolveRequest).

@@ -36,7 +36,8 @@ std::string SomeBlackMen(const TChessboard& board, std::mt19937& random)
 }
 
 /// A heuristic in one of its forms. A letter with a dollar stands for what depends on the position:
-/// $M Black men, $D the bishop on a main diagonal, $F a file, $X the ends of a long diagonal.
+/// $M Black men, $D the bishop on a main diagonal, $F a file, $X the ends of a long diagonal, $K a
+/// figure that pins.
 struct TForm
 {
     const char* m_pText;
@@ -62,6 +63,7 @@ constexpr TForm g_aForms[] = {
     {"SH_DONTLOSEANYFIGURES(incl.pawnsBeforePromo)", ETheme::Loss},
     {"SH_CAPTUREKNIGHT", ETheme::Knight},
     {"SH_KEYWHITEFIGURE", ETheme::Pin},
+    {"SH_KEYWHITEFIGURE($K)", ETheme::Pin},
     {"SH_DONTLETKINGMOVE, SH_DONTLEAVEMAINDIAGONAL($D)", ETheme::Corner},
     {"SH_SWEEPINGWHITEROOK", ETheme::FirstRow},
     {"SH_ONECOLORPLAYPOSSIBLE", ETheme::Bishops},
@@ -93,12 +95,14 @@ std::string SetFor(const TForm& form, const TChessboard& board, std::mt19937& ra
 {
     constexpr TSquareSet RISING = 0x8040201008040201, FALLING = 0x0102040810204080;
     const TSquareSet bishops = TSets::Equal(board.m_board, BLACK_BISHOP) & (RISING | FALLING);
+    const TSquare key = PinningFigure(board);
     std::string strText = form.m_pText;
     const bool bFits =
         Replace(strText, "$M", SomeBlackMen(board, random)) &&
         Replace(strText, "$D", bishops ? SquareName(LowestSquare(bishops)) : "") &&
         Replace(strText, "$F", std::string(1, static_cast<char>('A' + random() % 8))) &&
-        Replace(strText, "$X", random() % 2 ? "A1-H8" : "A8-H1");
+        Replace(strText, "$X", random() % 2 ? "A1-H8" : "A8-H1") &&
+        Replace(strText, "$K", key != NO_SQUARE ? SquareName(key) : "");
     return bFits ? strText : "";
 }
 
@@ -134,6 +138,49 @@ TEST(MaterialTruth, EachFormCutsAndChangesNoSolution)
         }
         EXPECT_GE(nCutting, MIN_POSITIONS) << form.m_pText;
         EXPECT_GT(nSolved, MIN_POSITIONS) << form.m_pText;
+    }
+}
+
+/// A form that cuts moves of White, after they are made or by a list that leaves them out, and the
+/// length of the tasks in which that comes up.
+struct TWhiteForm
+{
+    TForm m_form;
+    int m_nMate;
+};
+
+constexpr TWhiteForm g_aWhiteForms[] = {
+    {{"SH_SWEEPINGWHITEROOK", ETheme::FirstRow}, 2},
+    {{"SH_DONTLETKINGMOVE, SH_DONTLEAVEMAINDIAGONAL($D)", ETheme::Corner}, 2},
+    {{"SH_DONTLETPROMOTEDQUEENMOVE(strict)", ETheme::Promotion}, 4},
+    {{"SH_DONTLETPROMOTEDFIGUREMOVE(strict)", ETheme::Promotion}, 4},
+    {{"SH_DONTLETPROMOTEDQUEENMOVE(strict), SH_DONTLETFIGUREUNBLOCK(EFF,$M)", ETheme::Promotion},
+     4},
+    {{"SH_KEYWHITEFIGURE($K)", ETheme::HeldKnight}, 6},
+    {{"SH_SKIPWORSTWHITEMOVES", ETheme::SingleQueen}, 6},
+};
+
+TEST(MaterialTruth, MovesOfWhiteAreCutAndNoSolutionChanges)
+{
+    constexpr int MIN_POSITIONS = 10, MIN_SOLVED = 3, MAX_TASKS = 3000;
+    std::mt19937 random(63);
+    TThemed themed(random);
+    for (const auto& [form, nMate] : g_aWhiteForms) {
+        int nCutting = 0, nSolved = 0;
+        for (int i = 0; i < MAX_TASKS && (nCutting < MIN_POSITIONS || nSolved < MIN_SOLVED); ++i) {
+            const TChessboard board = themed.Make(form.m_theme);
+            const std::string strSet = SetFor(form, board, random);
+            if (strSet.empty())
+                continue;
+            const TTask task = MakeTask(board, nMate);
+            const TRunOf run = SolveWith(board, nMate, strSet);
+            ASSERT_EQ(run.m_vecSolutions, task.m_vecSolutions) << Describe(task, strSet);
+            const bool bCut = run.m_anWhiteCuts[BitOf(strSet, board)] != 0;
+            nCutting += bCut;
+            nSolved += bCut && !run.m_vecSolutions.empty();
+        }
+        EXPECT_GE(nCutting, MIN_POSITIONS) << form.m_pText;
+        EXPECT_GE(nSolved, MIN_SOLVED) << form.m_pText;
     }
 }
 

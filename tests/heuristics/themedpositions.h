@@ -3,6 +3,7 @@
 
 #include "chess/geometry.h"
 #include "chess/squaresets.h"
+#include "heuristics/keyfigure.h"
 
 #include <bit>
 #include <iterator>
@@ -25,9 +26,21 @@ enum class ETheme
     Loss,       ///< White figures that hang
     Cage,       ///< a Black bishop with two squares to itself
     Bishops,    ///< bishops of opposite colours, White's men off the squares of Black's
+    HeldKnight, ///< a knight in the corner with its king, pinned by a rook
     PinnedRook, ///< a White queen that pins a rook next to the Black king
     SingleQueen ///< nothing moves but the White queen and the kings
 };
+
+/// White's figure that pins for good, or one that pins at least; NO_SQUARE: there is none.
+inline TSquare PinningFigure(const TChessboard& board)
+{
+    TSquare key = AnalyzeKeyWhiteFigure(board).m_square;
+    for (TSquare square = 0; square < 64 && key == NO_SQUARE; ++square) {
+        if ((board.m_board[square] & COLOUR_WHITE) && FindPinnedFigure(board, square) != NO_SQUARE)
+            key = square;
+    }
+    return key;
+}
 
 class TThemed
 {
@@ -66,7 +79,8 @@ private:
     {
         constexpr int aCorners[] = {0, 7, 56, 63};
         const bool bBishops = theme == ETheme::Bishops;
-        m_king = theme == ETheme::Corner || (bBishops && Below(4))
+        m_king = theme == ETheme::HeldKnight ? aCorners[2 + Below(2)]
+                 : theme == ETheme::Corner || (bBishops && Below(4))
                      ? aCorners[Below(4)]
                      : (Below(2) ? 8 * Below(8) : 56 + Below(8));
         Put(m_king, BLACK_KING);
@@ -181,6 +195,22 @@ private:
         Put(LowestSquare(between), pinned);
     }
 
+    /// King, knight and two pawns of Black in an upper corner have hardly a move.
+    void PutHeldKnight()
+    {
+        const int mirror = m_king & 7;
+        Put(57 ^ mirror, BLACK_KNIGHT);
+        Put((59 + Below(5)) ^ mirror, WHITE_ROOK);
+        for (const int square : {48, 49}) {
+            Put(square ^ mirror, BLACK_PAWN);
+            if (Below(2))
+                Put((square - 8) ^ mirror, WHITE_PAWN);
+        }
+        Put(8 + Below(48), BLACK_PAWN);
+        if (Below(2))
+            Put(Below(64), WHITE_KNIGHT);
+    }
+
     void PutNextToKing(int nFigures, const TFigure* pKinds, std::size_t nKinds)
     {
         for (int i = 0; i < nFigures; ++i) {
@@ -203,6 +233,9 @@ private:
         case ETheme::Pin:
             PutPinned();
             PutNextToKing(5, aGuards, std::size(aGuards));
+            break;
+        case ETheme::HeldKnight:
+            PutHeldKnight();
             break;
         case ETheme::Queen:
             Put(Below(64), BLACK_QUEEN);
