@@ -25,7 +25,10 @@ constexpr const char* g_aForms[] = {
     "SH_AREKINGSNEAR",
     "SH_DONTRECEDEBLACKKING",
     "SH_KEEPKINGNEARCORNER(1S)",
+    "SH_KEEPKINGNEARCORNER(2S)",
     "SH_KEEPKINGNEARCORNER(3S)",
+    "SH_KEEPKINGNEARCORNER(4S)",
+    "SH_KEEPKINGNEARCORNER(5S)",
     "SH_KEEPKINGNEARCORNER(1M)",
     "SH_KEEPKINGNEARCORNER(2M)",
     "SH_KEEPKINGONTHEEDGE",
@@ -35,8 +38,12 @@ constexpr const char* g_aForms[] = {
     "SH_KEEPKINGONTHEEDGE(A)",
     "SH_KEEPKINGONTHEEDGE(C1,D1,M1)",
     "SH_KEEPKINGONTHEEDGE(C1,A,D1,M1)",
+    "SH_KEEPKINGONTHEEDGE, SH_KEEPKINGWITHINEXTEDGE(C1f)",
     "SH_DONTLETKINGMOVE",
+    "SH_DONTLETKINGMOVE(incl.corner,A)",
+    "SH_DONTLETKINGMOVE(C1,D1,M1)",
     "SH_DONTLETKINGMOVE(excptns)",
+    "SH_DONTLETKINGMOVE(excptns,C1f)",
     "SH_KEEPKINGWITHINEXTEDGE",
     "SH_KEEPKINGWITHINEXTEDGE(incl.corner)",
     "SH_KEEPKINGWITHINEXTEDGE(C1f)",
@@ -51,6 +58,8 @@ constexpr const char* g_aForms[] = {
     "SH_FINDFORCEDMATE(#2)",
     "SH_FINDFORCEDMATE(#2+)",
     "SH_FINDFORCEDMATE(#3)",
+    "SH_FINDFORCEDMATE(#4)",
+    "SH_FINDFORCEDMATE(#5)",
     "SH_FINDFORCEDMATE(#1-WithOtherHeuristics)",
     "SH_FINDFORCEDMATE(#1-Custom)",
     "SH_FINDFORCEDMATE(#1-Preliminary)",
@@ -73,22 +82,39 @@ void AddDataTasks(std::vector<TTask>& vecTasks)
     }
 }
 
+/// Every second run knows no steps between the form and the last pass: what it cuts, the form cuts.
 TEST(HeuristicsTruth, EachFormCutsAndChangesNoSolution)
 {
+    constexpr int MIN_POSITIONS = 10;
+    constexpr std::size_t MAX_TASKS = 2000;
+    constexpr std::uint32_t CUT_AFTER_WHITE =
+        SH_DONTRECEDEBLACKKING | SH_ASSERTBLACKKINGSURROUNDED | SH_FINDFORCEDMATE;
     // A deferred check falls due in the fifth move at the earliest.
+    std::mt19937 random(3);
     std::vector<TTask> vecTasks = RandomTasks(3, {400, 300, 40, 12});
     AddDataTasks(vecTasks);
+    const std::size_t nTasks = vecTasks.size();
     for (const char* pForm : g_aForms) {
         THeuristicSet set;
         ReadHeuristicsText(pForm, set);
         const int nBit = std::countr_zero(set.m_nHeuristics);
-        std::uint64_t nCuts = 0;
-        for (const TTask& task : vecTasks) {
-            const TRunOf run = SolveWith(task.m_board, task.m_nMate, pForm);
-            nCuts += run.m_anCuts[nBit];
+        int nCutting = 0, nCuttingWhite = 0;
+        for (std::size_t i = 0; i < nTasks || (nCutting < MIN_POSITIONS && i < MAX_TASKS); ++i) {
+            if (i == vecTasks.size())
+                vecTasks.push_back(MakeTask(RandomPosition(random, 4 + i % 4), 5));
+            const TTask& task = vecTasks[i];
+            set.m_params.m_bLetRelax = i < nTasks && i % 2;
+            const TRunOf run = SolveWith(task.m_board, task.m_nMate, set);
             ASSERT_EQ(run.m_vecSolutions, task.m_vecSolutions) << Describe(task, pForm);
+            if (set.m_params.m_bLetRelax)
+                continue;
+            nCutting += run.m_anCuts[nBit] != 0;
+            nCuttingWhite += run.m_anWhiteCuts[nBit] != 0;
         }
-        EXPECT_GT(nCuts, 0u) << pForm;
+        EXPECT_GE(nCutting, MIN_POSITIONS) << pForm;
+        if (set.m_nHeuristics & CUT_AFTER_WHITE) {
+            EXPECT_GE(nCuttingWhite, MIN_POSITIONS) << pForm;
+        }
     }
 }
 
