@@ -91,8 +91,6 @@ public:
     }
 
 private:
-    static constexpr int MIN_UNBLOCK_DEPTH = 17;
-
     /// Below this depth the replies are tried as generated, the latest refutation first.
     static constexpr int MIN_SORTED_DEPTH = 6;
 
@@ -190,7 +188,7 @@ private:
                                "lookup)");
             return RESULT_MATE;
         }
-        if (m_nDepth >= MIN_UNBLOCK_DEPTH && TriesUnblock(child) &&
+        if (m_nDepth >= m_request.m_nMinUnblockPlies && TriesUnblock(child) &&
             SearchWithBlockedFigures(child, TKind::SearchWhite) == RESULT_MATE)
             return RESULT_MATE;
         return TKind::SearchWhite(child);

@@ -142,6 +142,7 @@ struct TSolveRequest : TProblem, TStopBlock, TRegisterHost
     /// Of a reduced problem: what TLineContext has under these names.
     TSquareSet m_forbiddenSquares = 0, m_forbiddenTargets = 0;
     std::uint16_t m_nMinPinnedRookPlies = 21; ///< half-moves from which SolveByPinnedRook pays
+    std::uint16_t m_nMinUnblockPlies = 17; ///< and a try with blocked figures (search/tryunblock.h)
     bool m_bPreRuns = true; ///< reduced problems and special searches may go ahead of the passes
 
     /// Not 0: the scores of every sort are disturbed, each seed giving another order. For tests.

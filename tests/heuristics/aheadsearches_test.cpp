@@ -1,4 +1,5 @@
 #include "chess/fen.h"
+#include "heuristics/blockedfigures.h"
 #include "heuristics/differential.h"
 #include "heuristics/reduction.h"
 #include "heuristics/rootunder.h"
@@ -102,6 +103,26 @@ TEST(AheadSearches, FiguresThatCameToBeBlockedAreListedForASubtree)
     }
     EXPECT_GT(nMates, 20);
     EXPECT_GT(nTries, 100u);
+}
+
+/// The same within runs.
+TEST(AheadSearches, TriesWithBlockedFiguresChangeNoSolution)
+{
+    std::mt19937 random(84);
+    TThemed themed(random);
+    int nTrying = 0, nSolved = 0;
+    for (int i = 0; i < 20000; ++i) {
+        const TChessboard board = themed.Make(ETheme::Blocked);
+        if (FindBlockedFigures(board).CountFigures() < 2)
+            continue;
+        const TTask task = MakeTask(board, 3 + (i % 30 == 0));
+        const TRunOf run = SolveWith(task.m_board, task.m_nMate, "SH_3MOVESTOMATE", 1 + i % 2);
+        ASSERT_EQ(run.m_vecSolutions, task.m_vecSolutions) << Describe(task, "3MOVESTOMATE");
+        nTrying += run.m_nUnblockTries > 0;
+        nSolved += run.m_nUnblockTries > 0 && !run.m_vecSolutions.empty();
+    }
+    EXPECT_GE(nTrying, 10);
+    EXPECT_GE(nSolved, 10);
 }
 
 TEST(AheadSearches, FarPawnsAndTheFiguresThatHoldThemAreTakenOff)

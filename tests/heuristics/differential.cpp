@@ -28,6 +28,7 @@ TRunOf SolveWith(const TChessboard& board, int nMate, const THeuristicSet& set, 
     request.m_heuristicSet = set;
     request.m_nMinRegisterPlies = 0;
     request.m_nMinPinnedRookPlies = 5;
+    request.m_nMinUnblockPlies = 3;
     TRunOf run;
     request.OnPassEnd = [&](const TPassReport& report) { run.m_vecPasses.push_back(report); };
     TRunSettings settings;
