@@ -16,7 +16,8 @@ namespace
 /// Little material, with the kings near each other more often than not.
 TChessboard SmallPosition(std::mt19937& random)
 {
-    constexpr const char* aWhite[] = {"", "R", "RP", "P", "B", "N", "BP", "NP", "NN", "BN", "BB"};
+    constexpr const char* aWhite[] = {"",   "R",  "RP", "P",   "B",   "N",   "BP",  "NP",  "NN",
+                                      "BN", "BB", "PP", "RPP", "BPP", "NPP", "NNP", "BNP", "BBP"};
     constexpr const char* aBlack[] = {"", "", "p", "pp", "n"};
     const std::map<char, TFigure> figures = {{'R', WHITE_ROOK},   {'P', WHITE_PAWN},
                                              {'B', WHITE_BISHOP}, {'N', WHITE_KNIGHT},
@@ -59,7 +60,7 @@ TEST(Impossibility, ProofsHold)
 {
     constexpr int PROOFS = 100'000;
     std::mt19937 random(71);
-    std::map<int, int> mapProofs;
+    std::map<int, int> mapProofs, mapWithPawns; // beside minor figures, or two of them
     int nOpen = 0;
     for (int nProofs = 0; nProofs < PROOFS;) {
         TChessboard board = SmallPosition(random);
@@ -74,6 +75,8 @@ TEST(Impossibility, ProofsHold)
         }
         ++nProofs;
         ++mapProofs[impossibility];
+        mapWithPawns[impossibility] +=
+            board.m_nWhitePawns > (impossibility == IMPOSSIBLE_ROOK_OR_PAWNS);
         ASSERT_FALSE(HasMate(board, nPlies))
             << WriteFen(board, true) << " in " << nPlies << ": " << impossibility;
     }
@@ -81,7 +84,10 @@ TEST(Impossibility, ProofsHold)
     for (const EImpossibility proof :
          {IMPOSSIBLE_ROOK_OR_PAWNS, IMPOSSIBLE_ONE_MINOR, IMPOSSIBLE_MINORS_OFF_EDGE,
           IMPOSSIBLE_TWO_KNIGHTS, IMPOSSIBLE_BISHOP_AND_KNIGHT})
+    {
         EXPECT_GT(mapProofs[proof], 500) << proof;
+        EXPECT_GT(mapWithPawns[proof], 100) << proof;
+    }
 }
 
 } // namespace
