@@ -39,7 +39,11 @@ public:
         else
             ShutOutBishop(m_board);
         TakeSettings();
+        m_outer.PassOnTo(&m_request);
     }
+    ~TReducedRun() { m_outer.PassOnTo(nullptr); }
+    TReducedRun(const TReducedRun&) = delete;
+    TReducedRun& operator=(const TReducedRun&) = delete;
 
     std::vector<TMove> FindKeys()
     {
@@ -68,24 +72,21 @@ private:
         m_request.m_nOrderSeed = m_outer.m_nOrderSeed;
         m_request.m_shLookForQuickerMateDepth = m_outer.m_shLookForQuickerMateDepth;
         m_request.m_bPreRuns = false;
-        m_request.m_tStart = m_outer.m_tStart;
-        const auto stop = [this](bool bLimit) {
-            if (bLimit || m_outer.IsStoppedForAll())
+        m_request.m_bThreadsForced = true; // it has the outer run's
+        m_request.m_tStart = m_request.Now() - (m_outer.Now() - m_outer.m_tStart);
+        m_request.OnPositionAnalysed = [this](const TChessboard* pBoard,
+                                              const TThreadContext& context) {
+            // A pause of the outer run's first thread is waited for.
+            if ((pBoard && context.m_nPositions > MAX_POSITIONS) || m_outer.IsStopped(0))
                 m_request.SetStopState(TStopBlock::STOP, TStopBlock::ALL_THREADS);
         };
-        m_request.OnPositionAnalysed = [this, stop](const TChessboard* pBoard,
-                                                    const TThreadContext& context) {
-            // A pause is waited for.
-            stop((pBoard && context.m_nPositions > MAX_POSITIONS) || m_outer.IsStopped(0));
-        };
-        // A run that is looked at each second has threads of its own, with stacks for its depth.
-        m_request.OnSecond = [stop](int) { stop(false); };
     }
 
     /// The walk of the real game takes White's moves from the reduced one.
     bool HoldsInRealGame(const TMove& key)
     {
         m_request.ClearStopState();
+        m_outer.PassOnTo(&m_request);
         m_pContext = std::make_unique<TThreadContext>(m_board.m_nInitialMoves);
         PutOnThread(m_board, *m_pContext);
         TChessboard real = *m_outer.m_pChessboard;

@@ -49,7 +49,7 @@ public:
                        : *known == RESULT_NO_MATE ? QUICK_NO_MATE
                                                   : QUICK_DOUBTFUL;
         }
-        if (nBudget <= 0)
+        if (nBudget <= 0 || IsGivenUp())
             return QUICK_UNKNOWN;
         TMoveList moves;
         const int nMoves = m_board.GenerateWhiteMoves(moves.data());
@@ -66,6 +66,13 @@ public:
     }
 
 private:
+    /// A pause is waited for.
+    bool IsGivenUp() const
+    {
+        return !m_request.IsAtRest() &&
+               m_request.LookAtStop(m_context.m_nThreadId, m_nDepth) == EStopCheck::GiveUp;
+    }
+
     /// Also of an illegal move.
     bool IsRefuted(TMove& move, int nBudget)
     {

@@ -279,7 +279,8 @@ private:
             }
             else if (nNext < nTo) {
                 i = nNext++;
-                nResult = BeginMove(scheduler, pMoves, i);
+                nResult = SchedulerLeftOut(scheduler, i) ? SCHEDULER_GIVEN_UP
+                                                         : BeginMove(scheduler, pMoves, i);
                 if (nResult == SCHEDULER_NOT_STARTED)
                     --nNext;
             }

@@ -68,7 +68,7 @@ struct TLevelThread
     bool IsFinished() const { return m_nState == FINISHED; }
 };
 
-/// The threads at one node. The object joins them.
+/// The threads at one node. The object tells them off and joins them.
 class TGroup
 {
 public:
@@ -82,6 +82,9 @@ public:
 
     ~TGroup()
     {
+        // Something may have been thrown while the group was at work.
+        if (m_bStarted)
+            StopAll();
         for (TLevelThread& thread : m_vecThreads) {
             thread.m_pThread.reset();
             if (thread.m_nThreadId)
@@ -103,6 +106,7 @@ public:
             ++m_request.m_sharingCounts.m_nFailures;
             return false;
         }
+        m_bStarted = true;
         ++m_request.m_sharingCounts.m_nGroups;
         m_request.m_sharingCounts.m_nGroupThreads += m_vecThreads.size();
         return true;
@@ -216,7 +220,7 @@ private:
             if (command.m_pReport)
                 ReportMoves(m_board, command);
             else
-                m_request.FinishCommand(m_context.m_nThreadId);
+                m_request.FinishCommand(m_context.m_nThreadId, nullptr, false);
         }
         return check == EStopCheck::GiveUp;
     }
@@ -258,6 +262,7 @@ private:
     std::mutex m_mutex; ///< held when a thread comes to its end
     std::condition_variable m_ended;
     std::vector<TLevelThread> m_vecThreads;
+    bool m_bStarted = false;
 };
 
 /// A thread that waits for a group isn't at work.

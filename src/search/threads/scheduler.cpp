@@ -153,7 +153,6 @@ struct TScheduler::TMoveThread
     TSearchResult m_nResult = RESULT_NO_MATE;
     std::uint16_t m_nRepetition = 0;
     bool m_bGivenUp = false;
-    bool m_bLeftOut = false; ///< by hand
 };
 
 TScheduler::TScheduler(TChessboard& board, int nGoodMoves, TSearch search)
@@ -299,28 +298,44 @@ bool TScheduler::LookAtCommand()
     return check == EStopCheck::GiveUp;
 }
 
-/// The move at work is left out or has to wait for others.
+/// The move at work has to wait for others, or moves are left out, it among them or not.
 void TScheduler::ServeCommand()
 {
-    constexpr int MUCH = 1'000, VERY_MUCH = 1'000'000;
     const TEngineCommand command = m_request.GetCommand();
     if (command.m_pReport) {
         ReportMoves(m_board, command);
         return;
     }
     const std::lock_guard guard(m_csScheduler);
-    if (m_nActive != TSchedulerBook::NONE && m_book.IsUnfinished(m_nActive)) {
-        TMoveThread& move = *m_apMoves[static_cast<std::size_t>(m_nActive)];
-        if (command.m_nCommand == ORDER_KEEP) {
-            move.m_bLeftOut = true;
-            m_request.StopThread(move.m_nThreadId);
-        }
-        else {
-            m_book.Charge(m_nActive, command.m_nCommand == ORDER_SWAP ? MUCH : VERY_MUCH);
-            m_bTurnOver = true;
-        }
+    const bool bAtWork = m_nActive != TSchedulerBook::NONE && m_book.IsUnfinished(m_nActive);
+    if (bAtWork)
+        ServeOnMove(command);
+    m_request.FinishCommand(m_context.m_nThreadId, nullptr, bAtWork);
+}
+
+/// With the lock. What a node that goes through its list would pass over is left out.
+void TScheduler::ServeOnMove(const TEngineCommand& command)
+{
+    constexpr int MUCH = 1'000, VERY_MUCH = 1'000'000;
+    if (command.m_nCommand != ORDER_KEEP) {
+        m_book.Charge(m_nActive, command.m_nCommand == ORDER_SWAP ? MUCH : VERY_MUCH);
+        m_bTurnOver = true;
     }
-    m_request.FinishCommand(m_context.m_nThreadId);
+    const TMove* pMoves = m_context.m_apMoves[m_board.m_nMoves];
+    const int nMoves = m_context.m_anMoveCount[m_board.m_nMoves];
+    TMoveList moves;
+    std::copy_n(pMoves, nMoves, moves.data());
+    const TServedList served = ServeOnWhiteList(command, moves.data(), nMoves, m_nActive, true);
+    for (int i = m_nActive; i < nMoves; ++i) {
+        const TMove* pEnd = moves.data() + served.m_nNext;
+        if (std::none_of(pEnd - served.m_nLeftOut, pEnd,
+                         [&](const TMove& move) { return IsSameMove(move, pMoves[i]); }))
+            continue;
+        const auto nPlace = static_cast<std::size_t>(i);
+        m_leftOut.set(nPlace);
+        if (m_book.IsUnfinished(i))
+            m_request.StopThread(m_apMoves[nPlace]->m_nThreadId);
+    }
 }
 
 /// True when the move has come to its end within the time.
@@ -409,7 +424,7 @@ bool SchedulerMustQuit(TScheduler& scheduler)
 bool SchedulerLeftOut(TScheduler& scheduler, int nIndex)
 {
     const std::lock_guard guard(scheduler.m_csScheduler);
-    return scheduler.m_apMoves[static_cast<std::size_t>(nIndex)]->m_bLeftOut;
+    return scheduler.m_leftOut[static_cast<std::size_t>(nIndex)];
 }
 
 } // namespace corvina

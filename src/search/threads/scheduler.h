@@ -3,8 +3,10 @@
 
 #include "search/result.h"
 #include "search/threads/schedulerbook.h"
+#include "search/threads/stopblock.h"
 
 #include <atomic>
+#include <bitset>
 #include <condition_variable>
 #include <functional>
 #include <memory>
@@ -69,6 +71,7 @@ private:
     bool MustQuit();
     bool LookAtCommand();
     void ServeCommand();
+    void ServeOnMove(const TEngineCommand& command);
     int PriorityOf(int nIndex) const;
 
     TChessboard& m_board;
@@ -83,7 +86,8 @@ private:
     std::condition_variable m_ended;
     TSchedulerBook m_book;
     std::array<std::unique_ptr<TMoveThread>, MAX_SHARED_MOVES> m_apMoves;
-    int m_nAlive = 0; ///< threads that haven't delivered their result
+    std::bitset<MAX_SHARED_MOVES> m_leftOut; ///< by hand
+    int m_nAlive = 0;                        ///< threads that haven't delivered their result
 };
 
 /// Gives the move of that index, made on the child, a thread, which runs at once; the others are
@@ -106,7 +110,7 @@ int SchedulerFirstFree(TScheduler& scheduler);
 /// concerns a node above.
 bool SchedulerMustQuit(TScheduler& scheduler);
 
-/// The move, given up, was left out by hand.
+/// The move was left out by hand: it is given up, or not to be started.
 bool SchedulerLeftOut(TScheduler& scheduler, int nIndex);
 
 } // namespace corvina

@@ -23,6 +23,15 @@ void TStopBlock::SetState(std::uint8_t nState, std::uint16_t nThread)
     m_nStopThread = nThread;
     m_nStopState = nState;
     m_bAtRest = nState == RUN && m_stoppedThreads.empty();
+    if (m_pInner)
+        m_pInner->SetStopState(nThread == ALL_THREADS ? nState : RUN, ALL_THREADS);
+}
+
+/// A command has come to its end, and may have changed something.
+void TStopBlock::NoteInfluence()
+{
+    if (m_bNotesCommands && m_nStopState == COMMAND && !m_command.m_pReport)
+        m_bInfluencedByHand = true;
 }
 
 void TStopBlock::NotePause(bool bPaused)
@@ -75,6 +84,7 @@ void TStopBlock::SetStopState(std::uint8_t nState, std::uint16_t nThread)
         m_nSavedStopState = nState;
         return;
     }
+    NoteInfluence();
     SetState(nState, nThread);
 }
 
@@ -83,8 +93,10 @@ void TStopBlock::StopThread(std::uint16_t nThread)
     const std::lock_guard guard(m_bStopLock);
     m_stoppedThreads.Insert(nThread);
     m_bAtRest = false;
-    if (m_nStopState == COMMAND && m_nStopThread == nThread)
+    if (m_nStopState == COMMAND && m_nStopThread == nThread) {
+        NoteInfluence();
         Restore();
+    }
 }
 
 void TStopBlock::ResumeThread(std::uint16_t nThread)
@@ -120,6 +132,13 @@ void TStopBlock::ClearStopState()
     m_nSavedStopThread = ALL_THREADS;
     m_stoppedThreads.Clear();
     Restore();
+}
+
+void TStopBlock::PassOnTo(TStopBlock* pInner)
+{
+    const std::lock_guard guard(m_bStopLock);
+    m_pInner = pInner;
+    SetState(m_nStopState, m_nStopThread);
 }
 
 bool TStopBlock::IsStopFor(std::uint16_t nThread) const
@@ -178,8 +197,10 @@ void TStopBlock::TakeNoMoreCommands(std::uint16_t nThread)
 {
     const std::lock_guard guard(m_bStopLock);
     m_commandedThreads.Erase(nThread);
-    if (m_nStopState == COMMAND && m_nStopThread == nThread)
+    if (m_nStopState == COMMAND && m_nStopThread == nThread) {
+        NoteInfluence();
         Restore();
+    }
 }
 
 TStopBlock::EPost TStopBlock::PostCommand(std::uint16_t nThread, const TEngineCommand& command)
@@ -193,8 +214,6 @@ TStopBlock::EPost TStopBlock::PostCommand(std::uint16_t nThread, const TEngineCo
     m_nSavedStopState = m_nStopState;
     m_nSavedStopThread = m_nStopThread;
     m_command = command;
-    if (m_bNotesCommands && !command.m_pReport)
-        m_bInfluencedByHand = true;
     SetState(COMMAND, nThread);
     return EPost::Posted;
 }
@@ -211,7 +230,7 @@ TEngineCommand TStopBlock::GetCommand() const
     return m_command;
 }
 
-bool TStopBlock::FinishCommand(std::uint16_t nThread, const TNodeMoves* pReport)
+bool TStopBlock::FinishCommand(std::uint16_t nThread, const TNodeMoves* pReport, bool bEffect)
 {
     const std::lock_guard guard(m_bStopLock);
     if (IsToStop(nThread))
@@ -220,6 +239,8 @@ bool TStopBlock::FinishCommand(std::uint16_t nThread, const TNodeMoves* pReport)
         return true;
     if (pReport && m_command.m_pReport)
         *m_command.m_pReport = *pReport;
+    if (bEffect)
+        NoteInfluence();
     Restore();
     return !IsToStop(nThread);
 }

@@ -52,7 +52,8 @@ struct TStopBlock
     TEngineCommand m_command;      ///< in state COMMAND; guarded by m_bStopLock
     TThreadSet m_commandedThreads; ///< that take commands; guarded likewise
     bool m_bNotesCommands = false; ///< each command is noted; guarded likewise
-    /// A command has been posted in a run that notes them, or has made a node pass over moves.
+    /// A command has changed something in a run that notes them, or has made a node pass over
+    /// moves.
     std::atomic<bool> m_bInfluencedByHand{false};
 
     /// Sets the state, unless a stop of all threads is in force, which nothing but a new run lifts.
@@ -75,6 +76,10 @@ struct TStopBlock
 
     /// At the start of a run.
     void ClearStopState();
+
+    /// From now on the inner block, of a run that is a part of this one, has the state that all
+    /// threads have here; null: no longer. To be called again when the inner block was cleared.
+    void PassOnTo(TStopBlock* pInner);
 
     /// Does a stop concern the thread? The fast path is one plain read. A search thread that asks
     /// for itself waits here while it is paused.
@@ -126,8 +131,10 @@ struct TStopBlock
     TEngineCommand GetCommand() const;
 
     /// The thread has served its command, with this report if one was wanted: the state that was
-    /// saved comes back. False when the thread is to stop instead.
-    bool FinishCommand(std::uint16_t nThread, const TNodeMoves* pReport = nullptr);
+    /// saved comes back. bEffect: it has changed something. False when the thread is to stop
+    /// instead.
+    bool FinishCommand(std::uint16_t nThread, const TNodeMoves* pReport = nullptr,
+                       bool bEffect = true);
 
 private:
     void SetState(std::uint8_t nState, std::uint16_t nThread);
@@ -139,6 +146,7 @@ private:
     bool IsStopFor(std::uint16_t nThread) const;
     bool IsPauseFor(std::uint16_t nThread) const;
     void NotePause(bool bPaused);
+    void NoteInfluence();
 
     // Pauses of all threads: those that are over, in ticks, and the start of the one in force.
     // Written with m_bStopLock.
@@ -147,8 +155,9 @@ private:
 
     /// Neither a state nor a directed stop is in force; written with the lock.
     std::atomic<bool> m_bAtRest{true};
-    TThreadSet m_stoppedThreads; ///< under a directed stop; guarded by m_bStopLock, as the next
-    TThreadSet m_threadIds;      ///< in use, without those of the root threads
+    TStopBlock* m_pInner = nullptr; ///< of a run that is a part of this one; guarded by m_bStopLock
+    TThreadSet m_stoppedThreads;    ///< under a directed stop; guarded by m_bStopLock, as the next
+    TThreadSet m_threadIds;         ///< in use, without those of the root threads
 };
 
 } // namespace corvina
