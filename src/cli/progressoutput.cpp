@@ -24,8 +24,9 @@ TProgressOutput::TProgressOutput(TSolveRequest& request, EProgressForm form)
     };
     if (!m_bLive && !m_bJson)
         return;
+    constexpr std::size_t STACK = std::size_t{1} << 20;
     m_progress.Watch(m_request);
-    m_request.OnSecond = [this](int nSeconds) { OnSecond(nSeconds); };
+    m_pTicker = std::make_unique<TThread>(STACK, [this] { Tick(); });
 }
 
 TProgressOutput::~TProgressOutput()
@@ -34,7 +35,12 @@ TProgressOutput::~TProgressOutput()
     m_request.OnForceThreads = {};
     if (!m_bLive && !m_bJson)
         return;
-    m_request.OnSecond = {};
+    {
+        const std::lock_guard guard(m_csTimer);
+        m_bEnd = true;
+        m_timerChanged.notify_all();
+    }
+    m_pTicker.reset();
     m_request.OnPositionAnalysed = {};
     const std::lock_guard guard(m_csOutput);
     ClearLive();
@@ -47,6 +53,38 @@ void TProgressOutput::Print(const std::string& strLine)
     const std::string strShown =
         m_bJson ? nlohmann::ordered_json{{"message", strLine}}.dump() : strLine;
     std::fprintf(stderr, "%s\n", strShown.c_str());
+}
+
+void TProgressOutput::SetTimer(bool bOn)
+{
+    const std::lock_guard guard(m_csTimer);
+    m_bTimerOn = bOn;
+    if (bOn && !m_tStart)
+        m_tStart = m_request.Now();
+    m_timerChanged.notify_all();
+}
+
+/// The procedure of the thread that shows the seconds. One that it is late for is left out.
+void TProgressOutput::Tick()
+{
+    constexpr TStopBlock::TClock::duration SHORT_WAIT = std::chrono::milliseconds(10);
+    std::unique_lock lock(m_csTimer);
+    for (int nSeconds = 0; !m_bEnd;) {
+        if (!m_bTimerOn) {
+            m_timerChanged.wait(lock);
+            continue;
+        }
+        const auto next = *m_tStart + std::chrono::seconds(nSeconds + 1);
+        // In a pause the time that is left doesn't get less.
+        if (const auto left = next - m_request.Now(); left > left.zero()) {
+            m_timerChanged.wait_for(lock, std::max(left, SHORT_WAIT));
+            continue;
+        }
+        nSeconds = static_cast<int>((m_request.Now() - *m_tStart) / std::chrono::seconds(1));
+        lock.unlock();
+        OnSecond(nSeconds);
+        lock.lock();
+    }
 }
 
 void TProgressOutput::OnSecond(int nSeconds)
@@ -65,8 +103,10 @@ void TProgressOutput::PrintJson(int nSeconds)
     object["positions"] = m_request.m_nPositions.load();
     object["percent"] = std::round(m_request.m_fPercent * 100.0) / 100;
     object["firstMovesDone"] = m_request.m_nFirstMovesDone.load();
-    object["firstMoves"] = m_request.m_nFirstMovesTotal;
-    object["passesPlanned"] = m_request.m_nPlannedPasses;
+    object["firstMoves"] = m_request.m_nFirstMovesTotal.load();
+    object["passesPlanned"] = m_request.m_nPlannedPasses.load();
+    if (const int nPhase = m_request.m_nHybridBruteForcePhase)
+        object["phase"] = nPhase;
     if (const auto line = m_progress.Latest()) {
         object["pass"] = NameOfPass(line->m_nPass == 1, line->m_nPassIndex);
         auto& heuristics = object["heuristics"] = nlohmann::ordered_json::array();
@@ -93,8 +133,8 @@ void TProgressOutput::ShowLive(int nSeconds)
     else {
         char text[64];
         std::snprintf(text, sizeof text, "%d%s... %d sec(s)...     \r",
-                      (m_request.m_pChessboard->m_nInitialMoves + 1) / 2,
-                      m_request.m_bMirroredRun ? "(m)" : "", nSeconds);
+                      (m_request.m_nRequestedMoves + 1) / 2, m_request.m_bMirroredRun ? "(m)" : "",
+                      nSeconds);
         strText = text;
     }
     // The blanks behind it must not reach into the next line of the terminal.

@@ -38,10 +38,9 @@ EVerdict Compare(const TSolveRequest& request, const TSolveOutcome& outcome)
         return EVerdict::Differs;
     if (outcome.m_bStopped || outcome.m_bDoubtful)
         return EVerdict::NoAnswer;
-    const bool bEnded = !outcome.m_vecSolutions.empty() &&
-                        ((request.m_nSearchMode & SEARCH_FIRST) || HasEnoughSolutions(request));
-    return bEnded || IsSubset(vecAnswer, outcome.m_vecSolutions) ? EVerdict::Agrees
-                                                                 : EVerdict::Differs;
+    return HasEnoughSolutions(request) || IsSubset(vecAnswer, outcome.m_vecSolutions)
+               ? EVerdict::Agrees
+               : EVerdict::Differs;
 }
 
 std::string VerdictText(const TSolveRequest& request, EVerdict verdict)

@@ -22,7 +22,7 @@ public:
 
     void SetStatusText(const std::string&) override {}
     void RefreshProgress() override {}
-    void SetProgressTimer(bool) override {}
+    void SetProgressTimer(bool bOn) override { m_output.SetTimer(bOn); }
     bool ShowMessage(const std::string& strText, const std::string&, EMessageKind) override
     {
         m_output.Print(strText);

@@ -117,6 +117,28 @@ void LookUpComposition(TSolveRequest& request, const TRunSettings& settings)
     }
 }
 
+/// The slot of a run for all solutions. When none is free its threads don't see what others prove.
+class TFoundSolutionsOf
+{
+public:
+    explicit TFoundSolutionsOf(TSolveRequest& request) : m_request(request)
+    {
+        if (!(request.m_nSearchMode & SEARCH_ALL))
+            return;
+        m_hold.emplace();
+        request.m_pFoundSolutions = m_hold->get();
+        if (!request.m_pFoundSolutions && request.OnMessage)
+            request.OnMessage("Too many problems being solved at the same time.");
+    }
+    ~TFoundSolutionsOf() { m_request.m_pFoundSolutions = nullptr; }
+    TFoundSolutionsOf(const TFoundSolutionsOf&) = delete;
+    TFoundSolutionsOf& operator=(const TFoundSolutionsOf&) = delete;
+
+private:
+    TSolveRequest& m_request;
+    std::optional<TFoundSolutionsHold> m_hold;
+};
+
 } // namespace
 
 TSolveOutcome Solve(TSolveRequest& request, const TRunSettings& settings)
@@ -133,8 +155,7 @@ TSolveOutcome Solve(TSolveRequest& request, const TRunSettings& settings)
     LoadSortIndications(request);
     LookUpComposition(request, settings);
 
-    const TFoundSolutionsHold hold;
-    request.m_pFoundSolutions = request.m_nSearchMode & SEARCH_ALL ? hold.get() : nullptr;
+    const TFoundSolutionsOf found(request);
     request.m_tStart = request.m_tFirstMoveStart = request.Now();
     TSolveOutcome outcome;
     outcome.m_nResult = FindMate(root, outcome.m_vecSolutions);
@@ -142,7 +163,6 @@ TSolveOutcome Solve(TSolveRequest& request, const TRunSettings& settings)
     outcome.m_bStopped = request.m_bCutShort;
     outcome.m_bDoubtful = request.m_bDoubtful;
     outcome.m_bInfluencedByHand = request.m_bInfluencedByHand;
-    request.m_pFoundSolutions = nullptr;
     return outcome;
 }
 

@@ -13,9 +13,12 @@ namespace
 
 std::mutex g_csSolutions;
 
-/// The number of solutions at which the options end the run; 0 for none.
-std::size_t SolutionLimit(std::uint32_t nRunOptions)
+/// The number of solutions at which the run ends; 0 for none.
+std::size_t SolutionLimit(const TSolveRequest& request)
 {
+    const std::uint32_t nRunOptions = request.m_nRunOptions;
+    if (request.m_nSearchMode & SEARCH_FIRST)
+        return 1;
     if (nRunOptions & RUN_STOPON2SOLUTIONS)
         return 2;
     if (nRunOptions & RUN_STOPON3SOLUTIONS)
@@ -32,24 +35,26 @@ void TSolveRequest::SetMateIn(int nMoves)
 
 bool HasEnoughSolutions(const TSolveRequest& request)
 {
-    const std::size_t nLimit = SolutionLimit(request.m_nRunOptions);
+    const std::size_t nLimit = SolutionLimit(request);
     return nLimit && request.m_vecSolutions.size() >= nLimit;
 }
 
-void AddSolution(TSolveRequest& request, const TMove& move)
+TAddedSolution AddSolution(TSolveRequest& request, const TMove& move)
 {
     const std::lock_guard guard(g_csSolutions);
     auto& vecSolutions = request.m_vecSolutions;
     if (ContainsMove(vecSolutions, move) || HasEnoughSolutions(request))
-        return;
+        return {false, HasEnoughSolutions(request)};
     if (request.m_pFoundSolutions)
         request.m_pFoundSolutions->Publish(move);
     vecSolutions.push_back(move);
-    if (HasEnoughSolutions(request))
+    const bool bEnough = HasEnoughSolutions(request);
+    if (bEnough)
         request.SetStopState(TStopBlock::STOP, TStopBlock::ALL_THREADS);
     if (request.OnSolutionFound)
         request.OnSolutionFound(move, PrintMove(move, *request.m_pChessboard),
                                 request.m_nProblemNumber);
+    return {true, bEnough};
 }
 
 } // namespace corvina

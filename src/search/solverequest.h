@@ -69,13 +69,13 @@ struct TSolveRequest : TProblem, TStopBlock, TRegisterHost
     std::vector<TMove> m_vecSolutions;             ///< result of the last run
     TFoundSolutions* m_pFoundSolutions = nullptr;  ///< of this run, may be null
     std::int16_t m_shLookForQuickerMateDepth = -1; ///< half-moves; -1: automatic
-    std::uint64_t m_nPlannedPasses = 0;
-    std::uint32_t m_nFirstMovesTotal = 1;
+    std::atomic<std::uint64_t> m_nPlannedPasses{0};
+    std::atomic<std::uint32_t> m_nFirstMovesTotal{1};
     std::atomic<std::uint64_t> m_nFirstMovesDone{0}; ///< in all passes
     std::atomic<float> m_fPercent{0};                ///< of the planned passes that is done
     std::vector<TMove> m_vecFirstMoves; ///< of the last run, in the order in which it tries them
     std::atomic<std::uint32_t> m_nPassCount{0};
-    std::uint8_t m_nHybridBruteForcePhase = 0;
+    std::atomic<std::uint8_t> m_nHybridBruteForcePhase{0};
     bool m_bBruteForce = false;
     bool m_bBruteForceOverrides = false;
     std::atomic<bool> m_bStoppedByUser{false}; ///< of the last run
@@ -167,9 +167,6 @@ struct TSolveRequest : TProblem, TStopBlock, TRegisterHost
     std::function<void(const TChessboard* pBoard, const TThreadContext& context)>
         OnPositionAnalysed;
 
-    /// Called each second of a run, from the thread that waits for it.
-    std::function<void(int nSeconds)> OnSecond;
-
     /// Called when a pass begins; its number from 1.
     std::function<void(std::uint32_t nPass)> OnPassStart;
 
@@ -194,12 +191,21 @@ struct TSolveRequest : TProblem, TStopBlock, TRegisterHost
     bool IsAbandoned() const override { return IsStoppedForAll(); }
 };
 
-/// The options limit the number of solutions, and the run has that many.
+/// The mode or the options limit the number of solutions, and the run has that many. Not while
+/// threads of the run may add some.
 bool HasEnoughSolutions(const TSolveRequest& request);
 
-/// Notes a solution of the run, once, and reports it. With a limit on the number of solutions among
-/// the run's options, reaching it stops the run. Any thread of any run may call it.
-void AddSolution(TSolveRequest& request, const TMove& move);
+/// What has become of a solution.
+struct TAddedSolution
+{
+    bool m_bTaken;  ///< it is new, and not one too many
+    bool m_bEnough; ///< the run has as many as it is to find
+};
+
+/// Notes a solution of the run, once, and reports it. Where the mode or the options limit the
+/// number of solutions the last one stops the run, and none is taken after it. Any thread of any
+/// run may call it.
+TAddedSolution AddSolution(TSolveRequest& request, const TMove& move);
 
 } // namespace corvina
 

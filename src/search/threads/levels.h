@@ -32,6 +32,9 @@ private:
     std::atomic<int>& m_nThreads;
 };
 
+/// The most threads at the root.
+constexpr int MAX_ROOT_THREADS = 64;
+
 /// The most moves of a node that are shared.
 constexpr int MAX_SHARED_MOVES = 248;
 
