@@ -8,6 +8,8 @@
 #include "heuristics/kingsurroundings.h"
 #include "platform/machine.h"
 #include "search/rootsetup.h"
+#include "search/solverequest.h"
+#include "search/threads/levels.h"
 #include "search/whitesort.h"
 
 #include <algorithm>
@@ -18,23 +20,48 @@ namespace
 {
 
 constexpr int MIN_FORCED_PLIES = 14;
-constexpr int MAX_FORCED = 127;
+constexpr int MAX_FORCED = MAX_ROOT_THREADS;
+
+/// First moves with a property of the position behind them.
+template <class THas>
+int CountMoves(TChessboard& root, const std::vector<TMove>& vecMoves, THas has)
+{
+    TThreadContext context(root.m_nInitialMoves);
+    PutOnThread(root, context);
+    int nMoves = 0;
+    for (TMove move : vecMoves) {
+        TChessboard& child = context.MakeChild(root);
+        nMoves += child.MakeWhiteMove(&move) && has(child);
+    }
+    root.m_pThread = nullptr;
+    return nMoves;
+}
+
+/// First moves that are known to mate.
+int CountProvedMoves(TChessboard& root, const std::vector<TMove>& vecMoves)
+{
+    return CountMoves(root, vecMoves, [](TChessboard& child) {
+        return ProbeBlackReplies(child, PROBE_ALL) == REPLIES_MATED;
+    });
+}
 
 /// First moves that are worth a thread.
 int CountPromisingMoves(TChessboard& root, const std::vector<TMove>& vecMoves)
 {
-    TThreadContext context(root.m_nInitialMoves);
-    PutOnThread(root, context);
-    int nProved = 0, nForcing = 0;
-    for (TMove move : vecMoves) {
-        TChessboard& child = context.MakeChild(root);
-        if (!child.MakeWhiteMove(&move))
-            continue;
-        nProved += ProbeBlackReplies(child, PROBE_ALL) == REPLIES_MATED;
-        nForcing += child.m_blackChecker != NO_CHECK || ThreatensMate(child, 1);
-    }
-    root.m_pThread = nullptr;
+    const int nProved = CountProvedMoves(root, vecMoves);
+    const int nForcing = CountMoves(root, vecMoves, [](TChessboard& child) {
+        return child.m_blackChecker != NO_CHECK || ThreatensMate(child, 1);
+    });
     return nForcing > nProved ? nProved + (nForcing - nProved) * 2 / 3 : nProved;
+}
+
+int DecisionOfOneThread(TChessboard& root, const std::vector<TMove>& vecMoves)
+{
+    constexpr int MIN_PLIES = 13, PROVED = 3, FORCED = 4;
+    const bool bMany = root.m_nPositionFlags & TChessboard::POSITION_MANYFIGURES;
+    return bMany && root.m_nMoves >= MIN_PLIES && CountProvedMoves(root, vecMoves) > PROVED
+               ? -FORCED
+               : 0;
 }
 
 int CountMovablePawns(const TChessboard& root, const std::vector<TMove>& vecMoves)
@@ -65,7 +92,9 @@ int ForceThreadsDecision(TChessboard& root, const std::vector<TMove>& vecMoves)
     const int nThreads = request.m_nEffectiveThreads;
     const int nCores = static_cast<int>(GetProcessorCores());
     const int nMoves = static_cast<int>(vecMoves.size());
-    if (root.m_nMoves < MIN_FORCED_PLIES || nThreads < 2)
+    if (nThreads < 2)
+        return DecisionOfOneThread(root, vecMoves);
+    if (root.m_nMoves < MIN_FORCED_PLIES)
         return 0;
     if (nMoves > nThreads && nMoves <= 2 * nThreads && 2 * nCores > nThreads) {
         const bool bFigures = WhiteFigures(root) + BlackFigures(root) != 0;

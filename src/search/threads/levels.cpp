@@ -47,12 +47,13 @@ bool IsHeavy(const TChessboard& board)
 /// While the last first move is at work the processors of the others are free.
 bool IsExtraLevel(const TChessboard& board)
 {
-    constexpr int MIN_DEPTH = 21, MIN_DEPTH_OF_HEAVY = 19;
+    const TSharingSettings& settings = board.m_pRequest->m_sharing;
     const int nLevels = board.m_pRequest->m_nMultithreadingLevels;
     const int nPlayed = FullMovesPlayed(board);
     return nPlayed == nLevels ||
-           (nPlayed > nLevels && (board.m_nMoves >= MIN_DEPTH ||
-                                  (board.m_nMoves >= MIN_DEPTH_OF_HEAVY && IsHeavy(board))));
+           (nPlayed > nLevels &&
+            (board.m_nMoves >= settings.m_nMinExtraDepth ||
+             (board.m_nMoves >= settings.m_nMinExtraDepthOfHeavy && IsHeavy(board))));
 }
 
 int ProcessorsTaken()
@@ -61,9 +62,10 @@ int ProcessorsTaken()
 }
 
 /// Two threads that see the last processor free at once must not both take it.
-bool ReserveExtraGroup()
+bool ReserveExtraGroup(const TSharingSettings& settings)
 {
-    const int nProcessors = static_cast<int>(GetLogicalProcessors());
+    const int nProcessors =
+        settings.m_nProcessors ? settings.m_nProcessors : static_cast<int>(GetLogicalProcessors());
     if (ProcessorsTaken() >= nProcessors)
         return false;
     const TThreadCounted reservation(g_nReservations);
@@ -110,21 +112,25 @@ TSpawnLeave::TSpawnLeave(const TChessboard& board, int nMoves)
 
 TSpawnLeave::EKind TSpawnLeave::FindKind(const TChessboard& board, int nMoves)
 {
-    constexpr int MIN_RESPAWN_DEPTH = 21;
-    const TSolveRequest& request = *board.m_pRequest;
+    TSolveRequest& request = *board.m_pRequest;
     if (!MayShare(board, nMoves))
         return EKind::None;
     if (FullMovesPlayed(board) < request.m_nMultithreadingLevels)
         return EKind::Level;
     if (!request.m_bBruteForce || m_context.m_bSchedulerThread)
         return EKind::None;
-    if (m_context.m_bLastOfGroup && board.m_nMoves >= MIN_RESPAWN_DEPTH &&
-        !m_context.m_bRespawnLock) {
+    if (m_context.m_bLastOfGroup && board.m_nMoves >= request.m_sharing.m_nMinRespawnDepth &&
+        !m_context.m_bRespawnLock)
+    {
         m_context.m_bRespawnLock = true;
+        ++request.m_sharingCounts.m_nRespawns;
         return EKind::Respawn;
     }
-    return request.m_bLastMoveStarted && IsExtraLevel(board) && ReserveExtraGroup() ? EKind::Extra
-                                                                                    : EKind::None;
+    if (!request.m_bLastMoveStarted || !IsExtraLevel(board) ||
+        !ReserveExtraGroup(request.m_sharing))
+        return EKind::None;
+    ++request.m_sharingCounts.m_nExtraGroups;
+    return EKind::Extra;
 }
 
 TSpawnLeave::~TSpawnLeave()

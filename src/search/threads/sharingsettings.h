@@ -18,6 +18,14 @@ struct TSharingSettings
     int m_nMinSchedulerDepth = 17;
     int m_nMinSchedulerDepthOfMany = 15; ///< without POSITION_FEWFIGURES
 
+    // By brute force also beyond the levels: at a node of the last thread of a group; while the
+    // last first move is at work, behind the first such node of a line; and there with many
+    // figures.
+    int m_nMinRespawnDepth = 21;
+    int m_nMinExtraDepth = 21;
+    int m_nMinExtraDepthOfHeavy = 19;
+    int m_nProcessors = 0; ///< that these may take; 0: those of the machine
+
     std::chrono::nanoseconds m_second = std::chrono::seconds(1); ///< unit of the scheduler's quanta
 };
 
@@ -26,6 +34,8 @@ struct TSharingCounts
 {
     std::atomic<std::uint64_t> m_nGroups{0};
     std::atomic<std::uint64_t> m_nGroupThreads{0};
+    std::atomic<std::uint64_t> m_nRespawns{0};    ///< leaves for groups of the last thread of one,
+    std::atomic<std::uint64_t> m_nExtraGroups{0}; ///< and for those of free processors
     std::atomic<std::uint64_t> m_nSchedulers{0};
     std::atomic<std::uint64_t> m_nJuggledMoves{0}; ///< each has had a thread
     std::atomic<std::uint64_t> m_nSwitches{0};     ///< a move was held for another one
@@ -33,8 +43,8 @@ struct TSharingCounts
 
     void Clear()
     {
-        for (auto* p : {&m_nGroups, &m_nGroupThreads, &m_nSchedulers, &m_nJuggledMoves,
-                        &m_nSwitches, &m_nFailures})
+        for (auto* p : {&m_nGroups, &m_nGroupThreads, &m_nRespawns, &m_nExtraGroups, &m_nSchedulers,
+                        &m_nJuggledMoves, &m_nSwitches, &m_nFailures})
             *p = 0;
     }
 };
