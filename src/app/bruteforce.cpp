@@ -133,6 +133,7 @@ TSolveOutcome BruteForceRun(TSolveRequest& request, const TRunSettings& settings
     TSolveOutcome first;
     std::uint64_t nPositions = 0;
     if (bHybrid) {
+        onPhase("Search for the first solution...");
         first = FirstPhase(request, settings);
         if (first.m_bStopped)
             return first;

@@ -1,7 +1,11 @@
 #include "app/solvecontrol.h"
 
 #include "chess/notation.h"
+#include "search/line.h"
+#include "search/registeraccess.h"
+#include "search/rootsetup.h"
 #include "search/threads/levels.h"
+#include "search/whitesort.h"
 
 #include <algorithm>
 #include <system_error>
@@ -26,6 +30,26 @@ constexpr std::size_t MIN_SOLVE_STACK = std::size_t{8} << 20;
 std::string NumberOf(const TProblem& problem)
 {
     return std::to_string(problem.m_nProblemNumber);
+}
+
+/// A move of White that mates, where the problem's register knows that there is one.
+std::optional<TMove> FindInRegister(TSolveRequest& request, const TChessboard& board)
+{
+    TChessboard root = board;
+    TThreadContext context(root.m_nMoves);
+    root.m_pRequest = &request;
+    PutOnThread(root, context);
+    DropHeuristics(root);
+    if (!UsesRegister(root) || ShortestMateInRegister(root) == 0)
+        return std::nullopt;
+    TMoveList moves;
+    const int nMoves = root.GenerateWhiteMoves(moves.data());
+    for (int i = 0; i < nMoves; ++i) {
+        TChessboard& child = context.MakeChild(root);
+        if (child.MakeWhiteMove(&moves[i]) && ProbeBlackReplies(child, PROBE_ALL) == REPLIES_MATED)
+            return moves[i];
+    }
+    return std::nullopt;
 }
 
 } // namespace
@@ -280,8 +304,14 @@ void CSolveControl::NoteSettings(const TSolveRequest& request)
 TSolveOutcome CSolveControl::RunEngine(TSolveRequest& request)
 {
     const auto onPassStart = request.OnPassStart;
+    const auto onMessage = request.OnMessage;
     bool bTold = false;
+    if (!onMessage)
+        request.OnMessage = [this](const std::string& strText) {
+            Tell(strText, "Warning", EMessageKind::Warning);
+        };
     request.OnPassStart = [&](std::uint32_t nPass) {
+        PauseAgain();
         if (nPass == 1) {
             bTold = true;
             NoteSettings(request);
@@ -290,7 +320,10 @@ TSolveOutcome CSolveControl::RunEngine(TSolveRequest& request)
         if (onPassStart)
             onPassStart(nPass);
     };
-    const auto restore = [&] { request.OnPassStart = onPassStart; };
+    const auto restore = [&] {
+        request.OnPassStart = onPassStart;
+        request.OnMessage = onMessage;
+    };
     try {
         const TSolveOutcome outcome = RunInKind(request);
         restore();
@@ -313,7 +346,11 @@ TSolveOutcome CSolveControl::RunInKind(TSolveRequest& request)
     if (m_nBruteForceKind == EBruteForceKind::None && !(request.m_nRunOptions & ANY))
         return Solve(request, m_settings.m_run);
     return BruteForceRun(request, m_settings.m_run, bHybrid, m_settings.m_bruteForce,
-                         [this](const std::string& strText) { SetStatus(strText); });
+                         [this](const std::string& strText) {
+                             SetStatus(strText);
+                             if (m_settings.m_onPhase)
+                                 m_settings.m_onPhase(strText);
+                         });
 }
 
 void CSolveControl::SolveProblem()
@@ -371,15 +408,34 @@ void CSolveControl::Highlight(const TMove& move)
     m_window.ShowSolutionOnBoard(nullptr);
 }
 
-/// False: a stop has come before.
+/// A pause is no part of the time. False: a stop has come before.
 bool CSolveControl::Sleep(std::chrono::milliseconds time)
 {
+    using TClock = std::chrono::steady_clock;
+    constexpr TClock::duration STEP = std::chrono::milliseconds(10);
     std::unique_lock lock(m_csState);
-    constexpr auto STEP = std::chrono::milliseconds(10);
-    const auto end = std::chrono::steady_clock::now() + time;
-    while (!IsStopped() && std::chrono::steady_clock::now() < end)
-        m_changed.wait_for(lock, STEP);
+    TClock::duration left = time;
+    while (!IsStopped() && (left > TClock::duration::zero() || m_pause == EPause::All)) {
+        const TClock::time_point tStart = TClock::now();
+        m_changed.wait_for(lock, m_pause == EPause::All ? STEP : std::min(STEP, left));
+        if (m_pause != EPause::All)
+            left -= TClock::now() - tStart;
+    }
     return !IsStopped();
+}
+
+/// False: a stop has come.
+bool CSolveControl::WaitWhilePaused()
+{
+    return Sleep(std::chrono::milliseconds::zero());
+}
+
+/// A run clears the stop block as it begins, and may lose a pause by that.
+void CSolveControl::PauseAgain()
+{
+    const std::lock_guard guard(m_csState);
+    if (m_pause == EPause::All && !IsStopped() && m_pActive)
+        m_pActive->SetStopState(TStopBlock::PAUSE, ALL);
 }
 
 // The main variant
@@ -429,7 +485,10 @@ std::optional<TMove> CSolveControl::AskForMove(const TChessboard& board)
 {
     TSolveRequest question;
     PrepareQuestion(question, board);
+    question.OnPassStart = [this](std::uint32_t) { PauseAgain(); };
     const TActive active(*this, question);
+    if (!WaitWhilePaused())
+        return std::nullopt;
     try {
         if (board.IsWhiteToMove()) {
             question.m_nForcedSearchMode = SEARCH_FIRST;
@@ -457,12 +516,28 @@ void CSolveControl::PrepareQuestion(TSolveRequest& question, const TChessboard& 
     question.m_nRequestedMoves = board.m_nMoves;
     question.m_nProblemNumber = m_request.m_nProblemNumber;
     question.m_nForcedThreads = m_request.m_nForcedThreads;
+    question.m_nRequestedThreads = m_request.m_nRequestedThreads;
     question.m_nRequestedMultithreadingLevels = m_request.m_nRequestedMultithreadingLevels;
     question.m_shRequestedSchedulerLevels = m_request.m_shRequestedSchedulerLevels;
     question.m_nRunOptions = m_request.m_nRunOptions & RUN_SAFEMODE;
     question.m_bAnalyse = true;
     question.m_bProofSearch = m_request.m_bProofSearch;
     question.m_nThreadPriority = m_request.m_nThreadPriority;
+    THeuristicsParams& params = question.m_heuristicSet.m_params;
+    params.m_bLetRelax = m_request.m_heuristicSet.m_params.m_bLetRelax;
+    params.m_bEnableFallback = m_request.m_heuristicSet.m_params.m_bEnableFallback;
+    question.m_TemporaryRegister.SetMemoryLimitMB(m_request.m_TemporaryRegister.GetMemoryLimitMB());
+    question.m_bUseRegister = m_request.m_bUseRegister;
+    question.m_nMinRegisterPlies = m_request.m_nMinRegisterPlies;
+    question.m_sharing = m_request.m_sharing;
+    question.m_bShareMoves = m_request.m_bShareMoves;
+    question.m_bManualControl = m_request.m_bManualControl;
+    question.m_bLogMoves = m_request.m_bLogMoves;
+    question.OnPositionAnalysed = m_request.OnPositionAnalysed;
+    question.OnPassEnd = m_request.OnPassEnd;
+    question.OnForceThreads = m_request.OnForceThreads;
+    question.OnMessage = m_request.OnMessage;
+    question.OnLogLine = m_request.OnLogLine;
 }
 
 // Positions down the line
@@ -473,22 +548,38 @@ void CSolveControl::AnalysePosition()
     PrepareQuestion(question, *m_request.m_pCurrentBoard);
     question.m_heuristicSet.m_params.m_bRunPass2 = m_request.m_heuristicSet.m_params.m_bRunPass2;
     question.m_nForcedSearchMode = m_bAllSolutions ? SEARCH_ALL : SEARCH_FIRST;
-    const std::string strHead = ">> #" + std::to_string(question.GetStipulation());
-    SetStatus(strHead);
-    const TActive active(*this, question);
-    const TSolveOutcome& outcome = m_report.m_outcome = RunEngine(question);
-    const std::string strTime =
-        ElapsedText(std::chrono::duration_cast<std::chrono::milliseconds>(outcome.m_elapsed));
+    SetStatus(">> #" + std::to_string(question.GetStipulation()));
+    std::optional<TMove> known;
+    if (!m_bAllSolutions)
+        known = FindInRegister(m_request, *m_request.m_pCurrentBoard);
+    if (known) {
+        m_report.m_outcome.m_nResult = 1;
+        m_report.m_outcome.m_vecSolutions = {*known};
+    }
+    else {
+        const TActive active(*this, question);
+        m_report.m_outcome = RunEngine(question);
+    }
+    TellAnalysis(question, known.has_value());
+}
+
+void CSolveControl::TellAnalysis(const TSolveRequest& question, bool bFromRegister)
+{
+    const TSolveOutcome& outcome = m_report.m_outcome;
     if (!outcome.m_vecSolutions.empty()) {
-        SetStatus(strHead + " " + StatusText(question, outcome, {}));
+        SetStatus(">> #" + std::to_string(question.GetStipulation()) +
+                  (bFromRegister ? " (from register) " : " ") + StatusText(question, outcome, {}));
         return;
     }
-    std::string strText = "No solution found " + strTime;
+    std::string strText =
+        "No solution found " +
+        ElapsedText(std::chrono::duration_cast<std::chrono::milliseconds>(outcome.m_elapsed));
     if (!m_request.m_heuristicSet.m_params.m_bRunPass2)
         strText += " NOTE: Pass without heuristics is currently switched off (see heuristics "
                    "selection dialog box)";
     SetStatus(strText);
-    Tell(strText, "Result of analysis", EMessageKind::Information);
+    if (!outcome.m_bStopped && !m_request.m_bStoppedByUser)
+        Tell(strText, "Result of analysis", EMessageKind::Information);
 }
 
 void CSolveControl::FindDefence()

@@ -39,6 +39,8 @@ struct TSolveControlSettings
     /// Told of the settings of a run, or of each phase of one, as soon as they are in force. From a
     /// thread of the run.
     std::function<void(const std::string& strSettings)> m_onSettings;
+    /// Told of each phase of a run by brute force as it begins, in words.
+    std::function<void(const std::string& strPhase)> m_onPhase;
 };
 
 /// What a run has brought.
@@ -111,6 +113,7 @@ private:
     void SolveProblem();
     void SolveAndShowVariant();
     void AnalysePosition();
+    void TellAnalysis(const TSolveRequest& question, bool bFromRegister);
     void FindDefence();
 
     TSolveOutcome RunEngine(TSolveRequest& request);
@@ -123,6 +126,8 @@ private:
     void PrepareQuestion(TSolveRequest& question, const TChessboard& board) const;
     void Highlight(const TMove& move);
     bool Sleep(std::chrono::milliseconds time);
+    bool WaitWhilePaused();
+    void PauseAgain();
 
     bool IsStopped() const { return m_bStopping; }
     void SetStatus(const std::string& strText);

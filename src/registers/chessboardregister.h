@@ -49,6 +49,7 @@ public:
 
     /// The user's limit of memory for the registers. At first 20 % of the physical memory.
     void SetMemoryLimitMB(std::uint64_t nMaxMemMB);
+    std::uint64_t GetMemoryLimitMB() const { return m_nMaxMemMB; }
     std::uint64_t GetMemoryLimit() const { return m_nMemoryLimit; }   ///< bytes
     std::uint64_t GetMemoryBudget() const { return m_nMemoryBudget; } ///< bytes for entries
     std::uint32_t GetMaxElements() const { return m_nMaxElements; }

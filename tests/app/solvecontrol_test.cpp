@@ -36,6 +36,7 @@ struct TFakeWindow : TSolveWindow
     void ShowVariantMove(const TMove& move) override
     {
         EXPECT_TRUE(m_bHighlight);
+        const std::lock_guard guard(m_mutex);
         m_vecMoves.push_back(move);
     }
     void EnableMenuForSolve(bool bRunning) override { m_bRunning = bRunning; }
@@ -84,7 +85,8 @@ struct TOpenProblem
     }
     static TSolveControlSettings WithoutWaiting(TSolveControlSettings settings)
     {
-        settings.m_highlightTime = 0ms;
+        if (settings.m_highlightTime == TSolveControlSettings().m_highlightTime)
+            settings.m_highlightTime = 0ms;
         return settings;
     }
 
@@ -232,6 +234,23 @@ TEST(SolveControl, ARunEndsWithItsWords)
     EXPECT_TRUE(impossible.m_window.m_vecBoxes[0].ends_with(
         "\" completed with error:\n\nBlack king cannot be checked in the mate task starting "
         "postition."));
+
+    // What a thread of the run throws, and a run that finds no slot for its solutions.
+    TOpenProblem broken(THREE_MOVER, 3), fifth(THREE_MOVER, 3);
+    broken.m_request.OnPassStart = [](std::uint32_t) { throw std::bad_alloc(); };
+    EXPECT_TRUE(broken.m_control.StartSolve(true, EBruteForceKind::None));
+    broken.m_control.Wait();
+    EXPECT_EQ(broken.m_control.Report().m_strStatus,
+              "Thread solving problem 7 completed with error.");
+    const TFoundSolutionsHold aHolds[4];
+    for (const bool bAll : {false, true}) {
+        EXPECT_TRUE(fifth.m_control.StartSolve(bAll, EBruteForceKind::None));
+        fifth.m_control.Wait();
+        EXPECT_EQ(fifth.m_control.Report().m_outcome.m_vecSolutions.size(), 1u);
+        EXPECT_EQ(fifth.m_window.m_vecBoxes.size(), bAll ? 1u : 0u);
+    }
+    EXPECT_EQ(fifth.m_window.m_vecBoxes.at(0),
+              "Warning|Too many problems being solved at the same time.");
 }
 
 /// Runs of every kind, each to be stopped by the user.
@@ -376,6 +395,32 @@ TEST(SolveControl, TheMainVariantIsPlayedToTheMate)
     EXPECT_FALSE(problem.m_control.StartSolve(false, EBruteForceKind::None)) << "no move is left";
 }
 
+/// A pause holds the highlight of a move, and the question that would come next.
+TEST(SolveControl, APauseHoldsTheMainVariant)
+{
+    TSolveControlSettings settings;
+    settings.m_highlightTime = 40ms;
+    TOpenProblem problem(THREE_MOVER, 3, settings);
+    const auto moves = [&] {
+        const std::lock_guard guard(problem.m_window.m_mutex);
+        return problem.m_window.m_vecMoves.size();
+    };
+    problem.m_control.StartMainVariant();
+    for (std::size_t nShown = 1; nShown < 4; ++nShown) {
+        while (moves() < nShown)
+            std::this_thread::yield();
+        problem.m_control.PauseSolve(false);
+        const std::size_t nPaused = moves();
+        EXPECT_LT(nPaused, 5u);
+        std::this_thread::sleep_for(150ms);
+        EXPECT_EQ(moves(), nPaused);
+        EXPECT_EQ(problem.m_control.State(), ESolveState::PausedForAll);
+        problem.m_control.ResumeSolve();
+    }
+    problem.m_control.Wait();
+    EXPECT_EQ(moves(), 5u);
+}
+
 TEST(SolveControl, ThePositionShownDecidesWhatIsLookedFor)
 {
     TOpenProblem problem(THREE_MOVER, 3);
@@ -397,6 +442,34 @@ TEST(SolveControl, ThePositionShownDecidesWhatIsLookedFor)
     const auto vecFound = SortedTexts(problem.m_control.Report().m_outcome.m_vecSolutions);
     EXPECT_TRUE(std::find(vecFound.begin(), vecFound.end(), SortedTexts({vecLine[2]}).front()) !=
                 vecFound.end());
+
+    // What the solve has learnt answers for a position of its own.
+    TOpenProblem known("8/8/8/8/2k5/8/3K4/3Q4", 8);
+    known.m_control.StartSolve(true, EBruteForceKind::None);
+    known.m_control.Wait();
+    known.m_request.PlayMove(known.m_control.Report().m_outcome.m_vecSolutions.at(0));
+    known.m_control.StartSolve(false, EBruteForceKind::None);
+    known.m_control.Wait();
+    known.m_request.PlayMove(known.m_control.Report().m_defence.m_vecRanked.at(0).m_move);
+    known.m_control.StartSolve(false, EBruteForceKind::None);
+    known.m_control.Wait();
+    const TSolveReport& report = known.m_control.Report();
+    EXPECT_TRUE(report.m_strStatus.starts_with(">> #7 (from register) 1.")) << report.m_strStatus;
+    const std::vector<TMove> vecAnswer = report.m_outcome.m_vecSolutions;
+    known.m_control.StartSolve(true, EBruteForceKind::None);
+    known.m_control.Wait();
+    const auto vecAll = SortedTexts(report.m_outcome.m_vecSolutions);
+    EXPECT_TRUE(std::binary_search(vecAll.begin(), vecAll.end(), SortedTexts(vecAnswer).at(0)));
+
+    TOpenProblem endless(ENDLESS, 14);
+    endless.m_request.PlayMove({12, 28, 0, 0});
+    endless.m_request.PlayMove({52, 36, 0, 0});
+    endless.m_control.StartSolve(false, EBruteForceKind::None);
+    std::this_thread::sleep_for(100ms);
+    endless.m_control.StopSolve();
+    endless.m_control.Wait();
+    EXPECT_TRUE(endless.m_control.Report().m_strStatus.starts_with("No solution found ("));
+    EXPECT_TRUE(endless.m_window.m_vecBoxes.empty());
 }
 
 } // namespace
