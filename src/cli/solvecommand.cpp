@@ -114,6 +114,8 @@ int RunSolve(TSolveArguments& arguments)
     ApplyPredefinedOption(arguments.m_predefined, arguments.m_options.m_programOptions);
     if (arguments.m_strFile.empty() == arguments.m_strFen.empty())
         throw ChessException("Give either a file or --fen.");
+    arguments.m_options.m_bTellOutcome = arguments.m_vecProblems.size() == 1 ||
+                                         (!arguments.m_strFen.empty() && arguments.m_strFen != "-");
     if (IsCollection(arguments.m_strFile))
         return SolveCollection(arguments.m_strFile, arguments.m_vecProblems, arguments.m_options,
                                arguments.m_fileSettings);

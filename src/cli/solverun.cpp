@@ -94,11 +94,23 @@ TSolveControlSettings ControlSettings(const TSolveRequest& request, const TRunSe
         control.m_bruteForce.m_nThreads = request.m_nForcedThreads;
         control.m_bruteForce.m_nMultithreadingLevels = request.m_nRequestedMultithreadingLevels;
     }
+    control.m_onPhase = [&output](const std::string& strPhase) { output.Print(strPhase); };
     if (options.m_bShowSettings)
         control.m_onSettings = [&output](const std::string& strSettings) {
             output.Print(WithoutLastLineFeed(strSettings));
         };
     return control;
+}
+
+/// What the window would have a box for. The notes stand below the solutions.
+void TellOutcome(const TSolveRequest& request, const TSolveOutcome& outcome,
+                 const TSolveOptions& options, TProgressOutput& output)
+{
+    const std::string strText = OutcomeMessage(request, outcome, options.m_bNoRelax);
+    if (options.m_bTellOutcome && !options.m_bJson && !strText.empty())
+        output.Print(
+            strText.substr(0, strText.find("\n\n")) + " " +
+            ElapsedText(std::chrono::duration_cast<std::chrono::milliseconds>(outcome.m_elapsed)));
 }
 
 EBruteForceKind KindOf(const TSolveOptions& options)
@@ -134,6 +146,7 @@ TSolvedTask RunControlled(TSolveRequest& request, const TRunSettings& settings,
     const TSolveReport& report = control.Report();
     if (report.m_error)
         std::rethrow_exception(report.m_error);
+    TellOutcome(request, report.m_outcome, options, output);
     TSolvedTask solved{report.m_outcome, {}, report.m_nRunWord};
     if (!report.m_outcome.m_vecSolutions.empty())
         solved.m_strThreats =

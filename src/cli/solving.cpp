@@ -50,15 +50,23 @@ void ApplyThreads(const TSolveOptions& options, TSolveRequest& request, TRunSett
     if (!options.m_strThreads.empty()) {
         TOptionFields fields(options.m_programOptions, 1);
         fields.m_strThreads = options.m_strThreads;
+        const int nLevels = request.m_nRequestedMultithreadingLevels >= 0
+                                ? request.m_nRequestedMultithreadingLevels
+                                : settings.m_nMultithreadingLevels;
+        if (nLevels > 1 && options.m_strThreads.find('^') == std::string::npos)
+            fields.m_strThreads += "^" + std::to_string(nLevels);
         const TOptionsOfFields result = ValidateOptions(options.m_programOptions, 1, fields);
         if (!result.m_options)
             throw ChessException("--threads: " + result.m_vecTexts.back());
         const std::string strRead =
             TOptionFields(*result.m_options, result.m_nThreads).m_strThreads;
         if (result.m_nThreads > MAX_THREADS ||
-            (strRead != options.m_strThreads && strRead + "^1" != options.m_strThreads))
+            (strRead != fields.m_strThreads && strRead + "^1" != fields.m_strThreads))
             throw ChessException("--threads: expected N or N^L with N from 1 to 64.");
         request.m_nForcedThreads = static_cast<std::uint8_t>(result.m_nThreads);
+        // That many and not one more; of several the engine may make more.
+        if (result.m_nThreads == 1)
+            request.m_nRequestedThreads = 1;
         request.m_nRequestedMultithreadingLevels =
             static_cast<std::int8_t>(result.m_options->m_nMultithreadingLevels);
     }
@@ -117,8 +125,9 @@ void AddSolveOptions(CLI::App& command, TSolveOptions& options)
     command
         .add_option("--threads", options.m_strThreads,
                     "threads that share the first moves, at most 64; N^L: L levels of "
-                    "multithreading, N threads for each of White's first L moves (what the problem "
-                    "asks for, or 1)")
+                    "multithreading, N threads for each of White's first L moves; of 2 and more "
+                    "the engine may make more (what the problem asks for, or 1; L also by the "
+                    "option MultithreadingLevels)")
         ->type_name("N[^L]");
     command
         .add_option("--scheduler-levels", options.m_nSchedulerLevels,

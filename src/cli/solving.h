@@ -47,6 +47,7 @@ struct TSolveOptions
     bool m_bThreats = false;      ///< tell what the key threatens
     bool m_bShowSettings = false; ///< tell the settings of a run
     std::string m_strLog;         ///< path of the log; empty: none
+    bool m_bTellOutcome = false;  ///< on standard error: of a task that stands alone
     int m_nSchedulerLevels = -1;  ///< -1: what the problem asks for, or none
     TOptions m_programOptions;
 };

@@ -2,13 +2,19 @@
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
+#include <sys/ioctl.h>
 #include <sys/wait.h>
 
 #include <array>
 #include <cstdio>
+#include <fcntl.h>
 #include <fstream>
+#include <iterator>
+#include <pty.h>
+#include <regex>
 #include <sstream>
 #include <string>
+#include <unistd.h>
 
 namespace
 {
@@ -82,6 +88,10 @@ TEST(Cli, SolveExitCodesAndMessages)
          "1.Ke6-d5 threat: 2.Bc2-d3, Qg4-c4\n"},
         {"solve --fen 8/2B5/4K2p/1k6/6Qp/1p6/2B5/8 --mate 3 --hybrid --show-settings", 0,
          "* Custom depth of search for short mate: #2\n"},
+        {"solve --fen 8/2B5/4K2p/1k6/6Qp/1p6/2B5/8 --mate 3 --hybrid", 0,
+         "Search for the first solution...\nBrute force search for further solutions...\n"},
+        {"solve --fen 8/8/8/8/8/k1K5/8/1Q6 --mate 2", 0, "More than one solution found: 9 ("},
+        {"solve --fen 7k/8/8/8/8/8/8/K5R1 --mate 2", 1, "Not found any solutions for #2 (0"},
         {"solve --fen 8/2B5/4K2p/1k6/6Qp/1p6/2B5/8 --mate 3 --hybrid --log /dev/stderr", 0,
          ": Engine has completed: 1 solution(s) found of the problem 0\n"},
         {"solve --fen 8/8/8/8/8/k1K5/8/1Q6 --mate 2 --brute-force", 0,
@@ -262,9 +272,64 @@ TEST(Cli, ProgressOfARun)
         EXPECT_EQ(vecSeconds[i]["pass"].get<std::string>().front(), '1');
         EXPECT_GT(vecSeconds[i]["line"].size(), 0u);
     }
-    // No terminal, no live line.
-    EXPECT_EQ(RunCli(strTask).m_strOutput.find('\r'), std::string::npos);
     EXPECT_EQ(RunCli(strTask + "--progress no").m_nExitCode, 2);
+
+    // The seconds are those of both phases.
+    output = std::istringstream(
+        RunCli("solve --fen rnbqkbnr/ppppp2p/5p2/6p1/8/4P3/PPPP1PPP/RNBQKBNR --mate 9 --hybrid "
+               "--time 2.5 --progress json >/dev/null")
+            .m_strOutput);
+    std::vector<int> vecSeen;
+    for (std::string strLine; std::getline(output, strLine);) {
+        if (const auto object = nlohmann::json::parse(strLine); object.contains("seconds")) {
+            vecSeen.push_back(object["seconds"]);
+            EXPECT_EQ(object["phase"], 2);
+        }
+    }
+    EXPECT_EQ(vecSeen, (std::vector<int>{1, 2}));
+}
+
+/// What a run writes to a terminal that is its standard error, or to a pipe.
+std::string ErrorOutputOf(bool bTerminal)
+{
+    int aEnds[2] = {};
+    if (bTerminal) {
+        winsize size{24, 120, 0, 0};
+        EXPECT_EQ(openpty(&aEnds[0], &aEnds[1], nullptr, nullptr, &size), 0);
+    }
+    else {
+        EXPECT_EQ(pipe(aEnds), 0);
+    }
+    const pid_t nProcess = fork();
+    if (nProcess == 0) {
+        dup2(aEnds[1], STDERR_FILENO);
+        close(aEnds[0]);
+        close(aEnds[1]);
+        dup2(open("/dev/null", O_WRONLY), STDOUT_FILENO);
+        execl(CORVINA_CLI, CORVINA_CLI, "solve", "--fen",
+              "rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR", "--mate", "12", "--threads", "2",
+              "--time", "2.3", nullptr);
+        _exit(127);
+    }
+    close(aEnds[1]);
+    std::string strOutput;
+    char buffer[4096];
+    for (ssize_t n; (n = read(aEnds[0], buffer, sizeof buffer)) > 0;)
+        strOutput.append(buffer, static_cast<std::size_t>(n));
+    close(aEnds[0]);
+    waitpid(nProcess, nullptr, 0);
+    return strOutput;
+}
+
+TEST(Cli, ATerminalHasALiveLine)
+{
+    const std::string strLive = ErrorOutputOf(true);
+    const std::regex line("\rPass [12][a-z]?, (SH:[0-9a-f]+h)?(,TR:\\d+\\(\\d+\\), )?"
+                          "1\\. [^\r]*, \\d+\\.\\d% \\d+ *\r");
+    EXPECT_EQ(std::distance(std::sregex_iterator(strLive.begin(), strLive.end(), line), {}), 2)
+        << strLive;
+    EXPECT_NE(strLive.find("\r     "), std::string::npos) << "it is gone at the end";
+    EXPECT_EQ(ErrorOutputOf(false).find('\r'), std::string::npos);
 }
 
 TEST(Cli, ChosenHeuristics)
