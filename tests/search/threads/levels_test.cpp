@@ -1,7 +1,10 @@
 #include "chess/fen.h"
+#include "chess/notation.h"
 #include "heuristics/differential.h"
 #include "heuristics/heuristicbits.h"
+#include "heuristics/positionanalysis.h"
 #include "heuristics/setreader.h"
+#include "heuristics/themedpositions.h"
 #include "search/line.h"
 #include "search/rootsetup.h"
 #include "search/threads/forcethreads.h"
@@ -9,12 +12,14 @@
 #include "search/threads/levelthread.h"
 #include "search/threads/sharing.h"
 #include "search/verify.h"
+#include "support/data.h"
 #include "support/positions.h"
 #include "support/slowchess.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <random>
 #include <set>
 #include <thread>
 
@@ -23,52 +28,154 @@ namespace corvina
 namespace
 {
 
+constexpr const char* CHOSEN = "the set that the analysis chooses";
 constexpr const char* SETS[] = {
     "none",
     "SH_KEEPKINGONTHEEDGE(C1f), SH_DONTLOSEANYFIGURES",
     "SH_KEEPKINGWITHINEXTEDGE, SH_AREKINGSNEAR",
     "SH_ASSERTBLACKKINGSURROUNDED",
     "SH_FINDFORCEDMATE(#1)",
+    CHOSEN,
 };
+
+void TakeSet(const char* pSet, TSolveRequest& request)
+{
+    TChessboard& root = *request.m_pChessboard;
+    if (pSet != CHOSEN) {
+        ReadHeuristicsText(pSet, request.m_heuristicSet, &root);
+        return;
+    }
+    TSolveRequest analysed;
+    *analysed.m_pChessboard = root;
+    analysed.SetMateIn(request.GetStipulation());
+    analysed.m_pChessboard->m_pRequest = &analysed;
+    analysed.m_pChessboard->CheckStartPosition(analysed.m_nRequestedMoves, true);
+    TakeUpAnalysis(CheckPositionType(*analysed.m_pChessboard), *analysed.m_pChessboard);
+    request.m_heuristicSet = analysed.m_heuristicSet;
+    request.m_zugzwangMap = analysed.m_zugzwangMap;
+    request.m_vecSeaSnakeMoves = analysed.m_vecSeaSnakeMoves;
+}
 
 /// Solves the task in the form, for all solutions and for the first one.
 void CheckForm(const TTask& task, const TForm& form, const char* pSet, TCounts& counts)
 {
     const TLeftBehind left;
-    TSharingRequest request(task.m_board, task.m_nMate);
-    ReadHeuristicsText(pSet, request.m_heuristicSet, &task.m_board);
-    request.m_bBruteForce = form.m_nThreads == 3; // groups of two, then
+    TSharingRequest request(task.m_board, task.m_nMate, form);
+    TakeSet(pSet, request);
     TRunSettings settings = SettingsOf(form);
     settings.m_bQuickMode = task.m_nMate % 2 == 0;
     const std::string strText = Describe(task, pSet) + ", " + form.Text();
     ASSERT_EQ(SortedTexts(Solve(request, settings).m_vecSolutions), task.m_vecSolutions) << strText;
     counts.Add(request.m_sharingCounts);
 
-    TSharingRequest first(task.m_board, task.m_nMate);
-    ReadHeuristicsText(pSet, first.m_heuristicSet, &task.m_board);
+    TSharingRequest first(task.m_board, task.m_nMate, form);
+    TakeSet(pSet, first);
     settings.m_bStopAtFirstSolution = true;
     const auto vecFirst = SortedTexts(Solve(first, settings).m_vecSolutions);
     ASSERT_EQ(vecFirst.empty(), task.m_vecSolutions.empty()) << strText;
+    ASSERT_LE(vecFirst.size(), 1u) << strText;
     ASSERT_TRUE(std::includes(task.m_vecSolutions.begin(), task.m_vecSolutions.end(),
                               vecFirst.begin(), vecFirst.end()))
         << strText;
+    counts.Add(first.m_sharingCounts);
+}
+
+/// Every form with the task, with nSets sets from the nFirst one on; in a soak each form with each
+/// set, again and again.
+void CheckForms(const TTask& task, std::size_t nFirst, std::size_t nSets, std::size_t nForms,
+                TCounts (&aCounts)[std::size(FORMS)])
+{
+    const bool bSoak = Rounds(1) > 1;
+    for (std::size_t i = 0; i < (bSoak ? std::size(FORMS) : nForms); ++i) {
+        const std::size_t nForm = (nFirst + i) % std::size(FORMS);
+        for (std::size_t k = 0; k < (bSoak ? std::size(SETS) : nSets); ++k) {
+            const char* pSet = SETS[(nFirst + k) % std::size(SETS)];
+            for (int nRound = 0; nRound < Rounds(1) && !testing::Test::HasFatalFailure(); ++nRound)
+                CheckForm(task, FORMS[nForm], pSet, aCounts[nForm]);
+        }
+    }
 }
 
 TEST(Levels, GroupsAndSchedulersChangeNoSolution)
 {
+    TCounts aCounts[std::size(FORMS)];
     const std::vector<TTask> vecTasks = RandomTasks(31, {0, 0, 16, 4});
-    for (const TForm& form : FORMS) {
-        TCounts counts;
-        for (int nRound = 0; nRound < Rounds(2); ++nRound) {
-            for (std::size_t i = 0; i < vecTasks.size() && !HasFatalFailure(); ++i)
-                CheckForm(vecTasks[i], form, SETS[(i + static_cast<std::size_t>(nRound)) % 5],
-                          counts);
-        }
-        EXPECT_EQ(counts.m_nGroups > 50, form.m_nLevels > 1) << form.Text();
+    for (std::size_t i = 0; i < vecTasks.size(); ++i)
+        CheckForms(vecTasks[i], i, 2, std::size(FORMS), aCounts);
+    for (std::size_t i = 0; i < std::size(FORMS); ++i) {
+        const TForm& form = FORMS[i];
+        const TCounts& counts = aCounts[i];
+        EXPECT_EQ(counts.m_nGroups > 50, form.HasGroups()) << form.Text();
         EXPECT_EQ(counts.m_nSchedulers > 20, form.m_nSchedulerLevels > 0) << form.Text();
         EXPECT_EQ(counts.m_nSwitches > 20, form.m_nSchedulerLevels > 0) << form.Text();
+        EXPECT_EQ(counts.m_nExtraGroups > 20, form.m_bBruteForce) << form.Text();
+        EXPECT_EQ(counts.m_nRespawns > 5, form.m_bBruteForce && form.m_nLevels > 1) << form.Text();
         EXPECT_EQ(counts.m_nFailures, 0u);
     }
+}
+
+/// A row of the data folder that is soon solved as it says.
+std::optional<TTask> SolvedRow(const TAnsweredTask& row)
+{
+    constexpr int MAX_MATE_TESTED = 5;
+    constexpr std::uint64_t MAX_POSITIONS = 1'000'000;
+    if (row.m_nMate > MAX_MATE_TESTED)
+        return std::nullopt;
+    TSolveRequest request;
+    EXPECT_TRUE(ReadFen(*request.m_pChessboard, row.m_strFen));
+    const TTask task{*request.m_pChessboard, row.m_nMate, {}};
+    request.SetMateIn(row.m_nMate);
+    request.m_nMinRegisterPlies = 0;
+    const std::vector<TMove> vecSolutions = Solve(request, {}).m_vecSolutions;
+    std::vector<std::string> vecKeys;
+    for (const TMove& move : vecSolutions)
+        vecKeys.push_back(PrintMove(move, task.m_board));
+    std::sort(vecKeys.begin(), vecKeys.end());
+    EXPECT_EQ(vecKeys, row.m_vecKeys) << row.m_strFen;
+    if (request.m_nPositions > MAX_POSITIONS)
+        return std::nullopt;
+    return TTask{task.m_board, row.m_nMate, SortedTexts(vecSolutions)};
+}
+
+TEST(Levels, AnswersOfTheDataFolder)
+{
+    if (!HasDataFolder())
+        GTEST_SKIP() << "CORVINA_DATA is not set";
+    TCounts aCounts[std::size(FORMS)];
+    std::vector<TAnsweredTask> vecRows = ReadAnsweredTasks("mates-dev.tsv");
+    const std::vector<TAnsweredTask> vecTruth = ReadAnsweredTasks("truth-dev.tsv");
+    const std::size_t nStep = Rounds(1) > 1 ? 1 : 10;
+    for (std::size_t i = 0; i < vecTruth.size(); i += nStep)
+        vecRows.push_back(vecTruth[i]);
+    for (std::size_t i = 0; i < vecRows.size(); ++i) {
+        if (const auto task = SolvedRow(vecRows[i]))
+            CheckForms(*task, i, 1, 3, aCounts);
+    }
+}
+
+/// Solutions that come in at once, of several threads or of a search ahead of them.
+TEST(Levels, AFirstSolutionIsTheOnlyOne)
+{
+    TSolveRequest request;
+    request.m_nSearchMode = SEARCH_FIRST;
+    const TAddedSolution one = AddSolution(request, TMove{4, 5, 0, 0});
+    const TAddedSolution two = AddSolution(request, TMove{4, 6, 0, 0});
+    EXPECT_TRUE(one.m_bTaken && one.m_bEnough && !two.m_bTaken && two.m_bEnough);
+    EXPECT_TRUE(request.IsStoppedForAll());
+    EXPECT_EQ(request.m_vecSolutions.size(), 1u);
+    std::mt19937 random(72);
+    TThemed themed(random);
+    int nDuals = 0;
+    for (int i = 0; i < 400; ++i) {
+        const TTask task = MakeTask(themed.Make(ETheme::Bishops), 2);
+        TSharingRequest first(task.m_board, task.m_nMate);
+        TakeSet("SH_ONECOLORPLAYPOSSIBLE", first);
+        TRunSettings settings = SettingsOf({1 + i % 2, 1, 0});
+        settings.m_bStopAtFirstSolution = true;
+        ASSERT_EQ(Solve(first, settings).m_vecSolutions.size(), !task.m_vecSolutions.empty());
+        nDuals += first.m_nOneColourMates > 0 && task.m_vecSolutions.size() > 1;
+    }
+    EXPECT_GT(nDuals, 10);
 }
 
 /// Long enough for groups and schedulers where a run has them by itself.
@@ -166,14 +273,17 @@ TEST(Levels, SizeOfAGroup)
     request.m_nMultithreadingLevels = 1;
     EXPECT_FALSE(bSpawns(20));
     request.m_bLastMoveStarted = true;
+    request.m_sharing.m_nProcessors = 2;
     {
-        const TSpawnLeave leave(node, 20);
+        const TSpawnLeave leave(node, 20), second(node, 20);
         EXPECT_TRUE(bool{leave});
-        EXPECT_EQ(g_nExtraThreads, 1);
-        g_nActiveRootThreads = 1000;
+        EXPECT_TRUE(bool{second});
+        EXPECT_EQ(g_nExtraThreads, 2);
         EXPECT_FALSE(bSpawns(20)) << "no processor is left";
-        g_nActiveRootThreads = 0;
     }
+    g_nActiveRootThreads = 1; // which counts as two
+    EXPECT_FALSE(bSpawns(20));
+    g_nActiveRootThreads = 0;
     EXPECT_EQ(g_nExtraThreads, 0);
     EXPECT_EQ(g_nReservations, 0);
 }
@@ -309,6 +419,25 @@ TEST(Levels, TheEngineForcesAnotherNumberOfThreads)
         Solve(request, settings);
         EXPECT_EQ(nAsked, 4) << "the problem has said how many it wants";
     }
+
+    EXPECT_EQ(decision("7k/8/8/8/Q7/Q7/Q7/1QQQQQQK", 8, 60), -64) << "the most";
+    // A single thread becomes four where it is known that many moves mate.
+    TSolveRequest request;
+    ASSERT_TRUE(ReadFen(*request.m_pChessboard, "7k/8/8/8/3KN1N1/1B3B2/NB3B1N/QR1RR3"));
+    request.SetMateIn(7);
+    request.m_bAnalyse = true;
+    int nAsked = 0;
+    request.OnForceThreads = [&](int nThreads) {
+        nAsked += nThreads;
+        return false;
+    };
+    Solve(request, {});
+    EXPECT_EQ(nAsked, 0);
+    Solve(request, {});
+    EXPECT_EQ(nAsked, 4);
+    request.m_nRequestedThreads = 1;
+    Solve(request, {});
+    EXPECT_EQ(nAsked, 4);
 }
 
 } // namespace

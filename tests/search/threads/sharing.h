@@ -9,28 +9,36 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cstdlib>
+#include <filesystem>
 #include <string>
+#include <thread>
 
 /// Runs whose nodes below the root share their moves among threads.
 
 namespace corvina
 {
 
-/// N^L threads and K levels of the scheduler.
+/// N^L threads and K levels of the scheduler; by brute force in groups of two, beyond the levels
+/// too.
 struct TForm
 {
     int m_nThreads, m_nLevels, m_nSchedulerLevels;
+    bool m_bBruteForce = false;
 
     std::string Text() const
     {
         return std::to_string(m_nThreads) + "^" + std::to_string(m_nLevels) + " and " +
-               std::to_string(m_nSchedulerLevels) + " scheduler levels";
+               std::to_string(m_nSchedulerLevels) + " scheduler levels" +
+               (m_bBruteForce ? ", brute force" : "");
     }
+    bool HasGroups() const { return m_nLevels > 1 || m_bBruteForce; }
 };
 
-constexpr TForm FORMS[] = {{2, 1, 0}, {4, 1, 0}, {2, 2, 0}, {3, 2, 0},
-                           {2, 3, 0}, {1, 1, 6}, {2, 1, 3}, {4, 2, 6}};
+constexpr TForm FORMS[] = {{1, 1, 0}, {2, 1, 0},       {4, 1, 0},      {2, 2, 0},
+                           {3, 2, 0}, {2, 3, 0},       {1, 1, 6},      {2, 1, 3},
+                           {4, 2, 6}, {2, 1, 0, true}, {3, 2, 0, true}};
 
 /// So many times as usual; CORVINA_SOAK in the environment asks for more.
 inline int Rounds(int nUsual)
@@ -42,13 +50,17 @@ inline int Rounds(int nUsual)
 /// A request whose nodes share their moves near the leaves, and whose quanta are as short.
 struct TSharingRequest : TSolveRequest
 {
-    TSharingRequest(const TChessboard& board, int nMate)
+    TSharingRequest(const TChessboard& board, int nMate, const TForm& form = {})
     {
+        m_bBruteForce = form.m_bBruteForce;
         *m_pChessboard = board;
         SetMateIn(nMate);
         m_nMinRegisterPlies = 0;
         m_sharing.m_nMinLevelDepth = m_sharing.m_nMinLevelDepthOfMany = 5;
         m_sharing.m_nMinSchedulerDepth = m_sharing.m_nMinSchedulerDepthOfMany = 5;
+        m_sharing.m_nMinRespawnDepth = 5;
+        m_sharing.m_nMinExtraDepth = m_sharing.m_nMinExtraDepthOfHeavy = 5;
+        m_sharing.m_nProcessors = 12;
         m_sharing.m_second = std::chrono::microseconds(20);
     }
 };
@@ -62,13 +74,25 @@ inline TRunSettings SettingsOf(const TForm& form)
     return settings;
 }
 
-/// Threads and numbers that a run may have left behind.
+/// Entries of a folder of the system that tells about the process; 0 where there is none.
+inline std::ptrdiff_t CountEntries(const char* pFolder)
+{
+    std::error_code error;
+    return std::distance(std::filesystem::directory_iterator(pFolder, error), {});
+}
+
+/// Threads, open files and numbers that a run may have left behind.
 class TLeftBehind
 {
 public:
     ~TLeftBehind()
     {
         EXPECT_EQ(CountThreads(), m_nThreads);
+        EXPECT_EQ(CountEntries(FILES), m_nFiles);
+        // The system may list a thread for a moment that has been joined.
+        for (int i = 0; i < 1000 && CountEntries(TASKS) != m_nTasks; ++i)
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        EXPECT_EQ(CountEntries(TASKS), m_nTasks);
         EXPECT_EQ(g_nSchedulerThreads, 0);
         EXPECT_EQ(g_nRunningThreads, 0);
         EXPECT_EQ(g_nActiveRootThreads, 0);
@@ -77,12 +101,15 @@ public:
     }
 
 private:
+    static constexpr const char *TASKS = "/proc/self/task", *FILES = "/proc/self/fd";
     const int m_nThreads = CountThreads();
+    const std::ptrdiff_t m_nTasks = CountEntries(TASKS), m_nFiles = CountEntries(FILES);
 };
 
 struct TCounts
 {
     std::uint64_t m_nGroups = 0, m_nSchedulers = 0, m_nSwitches = 0, m_nFailures = 0;
+    std::uint64_t m_nRespawns = 0, m_nExtraGroups = 0;
 
     void Add(const TSharingCounts& counts)
     {
@@ -90,6 +117,8 @@ struct TCounts
         m_nSchedulers += counts.m_nSchedulers;
         m_nSwitches += counts.m_nSwitches;
         m_nFailures += counts.m_nFailures;
+        m_nRespawns += counts.m_nRespawns;
+        m_nExtraGroups += counts.m_nExtraGroups;
     }
 };
 
