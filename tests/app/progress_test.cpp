@@ -1,11 +1,8 @@
 #include "app/progress.h"
-#include "chess/fen.h"
-#include "chess/notation.h"
 #include "heuristics/differential.h"
 #include "heuristics/setreader.h"
 #include "search/threads/sharing.h"
-
-#include <gtest/gtest.h>
+#include "support/chesstest.h"
 
 #include <atomic>
 #include <thread>
@@ -85,9 +82,7 @@ TEST(Progress, LinesOfARunCanBePlayed)
     int nLines = 0;
     std::set<std::uint16_t> setThreads;
     for (const TForm form : {TForm{1, 1, 0}, TForm{2, 1, 0}, TForm{2, 2, 0}, TForm{2, 1, 3}}) {
-        TChessboard board;
-        ASSERT_TRUE(ReadFen(board, "2b1r1k1/r4ppp/p7/2pNP3/4Q3/q6P/2P2PP1/3RR1K1"));
-        TSharingRequest request(board, 8);
+        TSharingRequest request(BoardOf("2b1r1k1/r4ppp/p7/2pNP3/4Q3/q6P/2P2PP1/3RR1K1"), 8);
         ReadHeuristicsText("SH_ASSERTBLACKKINGSURROUNDED", request.m_heuristicSet,
                            request.m_pChessboard.get());
         TProgress progress;

@@ -1,13 +1,11 @@
 #include "app/mirror.h"
 #include "app/regression.h"
-#include "chess/fen.h"
-#include "chess/notation.h"
 #include "problems/problemfile.h"
-#include "search/solve.h"
+#include "support/chesstest.h"
+#include "support/taskrequest.h"
 #include "support/temporaryfolder.h"
 
-#include <gtest/gtest.h>
-
+#include <array>
 #include <regex>
 
 namespace corvina
@@ -47,10 +45,10 @@ struct TRegressionRun
 
     void ExpectCounts(int nOk, int nFailed, int nUnchecked, int nSkipped) const
     {
-        EXPECT_EQ(m_counts.m_nOk, nOk);
-        EXPECT_EQ(m_counts.m_nFailed, nFailed);
-        EXPECT_EQ(m_counts.m_nUnchecked, nUnchecked);
-        EXPECT_EQ(m_counts.m_nSkipped, nSkipped);
+        const TRegressionCounts& counts = m_counts;
+        EXPECT_EQ(
+            (std::array{counts.m_nOk, counts.m_nFailed, counts.m_nUnchecked, counts.m_nSkipped}),
+            (std::array{nOk, nFailed, nUnchecked, nSkipped}));
     }
 
     TTemporaryFolder m_folder;
@@ -120,9 +118,7 @@ TEST(Regression, OrderOfFirstMoves)
     const std::string strOnly = " ExpectedSortWhiteMovesOnly: Kf6-f7 }\n";
     TRegressionRun run(std::string("1 #2 {") + ONE_KEY + strSort + "2 #2 {" + ONE_KEY + strOnly);
     // The order is a permutation of the legal moves; it is what an author would copy.
-    TSolveRequest request;
-    ASSERT_TRUE(ReadFen(*request.m_pChessboard, "7k/8/5K2/8/8/8/8/6R1"));
-    request.SetMateIn(2);
+    TTaskRequest request(BoardOf("7k/8/5K2/8/8/8/8/6R1"), 2);
     Solve(request, {});
     const std::vector<TMove> vecOrder = request.m_vecFirstMoves;
     EXPECT_EQ(vecOrder.size(), 7u + 14u);
@@ -154,12 +150,9 @@ TEST(Regression, MirrorImages)
         return std::distance(std::sregex_iterator(strWith.begin(), strWith.end(), regex), {});
     };
     EXPECT_EQ(countOf("Test #1 M1 ok"), 2);
-    EXPECT_EQ(countOf("Test #2 M1 ok"), 1);
-    EXPECT_EQ(countOf("Test #3 M1 ok"), 1);
-    EXPECT_EQ(countOf("Test #4 M1 ok"), 1);
-    EXPECT_EQ(countOf("Prob.#5"), 1);
-    EXPECT_EQ(countOf("Prob.#6 M1 Kf6-f7"), 1);
-    EXPECT_EQ(countOf("Prob.#6 M1 Kc6-c7"), 1);
+    for (const char* pOnce : {"Test #2 M1 ok", "Test #3 M1 ok", "Test #4 M1 ok", "Prob.#5",
+                              "Prob.#6 M1 Kf6-f7", "Prob.#6 M1 Kc6-c7"})
+        EXPECT_EQ(countOf(pOnce), 1) << pOnce;
     EXPECT_EQ(WriteFen(*run.Problem(1).m_pChessboard, true), "7k/8/5K2/8/8/8/8/6R1");
 
     run.m_settings.m_bMirrors = false;
@@ -173,17 +166,22 @@ TEST(Regression, MirroringTwiceChangesNothing)
                        "//!{Main variant} b7-b8Q Kc5-c6 Bb2-a3 Kc6-d7 Qa2-d5\n//!ENDVARIANTS\n"
                        "//@SortIndications: 1. Na8-c7, 2. R>g5\n"
                        "{ FEN: N5K1/1Pp5/8/2k5/8/8/QB6/8\n Answer: b7-b8Q }\n");
+    TSortIndication& item = run.Problem(1).m_sortIndications.m_mapItems[1][0];
+    item.m_strPattern = "5k2//8/3p4";
+    item.m_pVariant =
+        std::make_shared<TVariant>(TVariant{L"", {{ParseFullMove("Qd1-d2", true), "Qd1-d2", L""}}});
     const auto textOf = [&] {
         std::string strText = WriteFen(*run.Problem(1).m_pChessboard, true) + " " +
                               SortIndicationsToText(run.Problem(1).m_sortIndications);
         for (const auto& move : run.Problem(1).m_mapVariants.begin()->second.m_vecMoves)
             strText += " " + move.m_strText + SquareToString(move.m_move.m_to);
-        return strText + SquareToString(run.Problem(1).m_vecExpectedSolutions[0].m_from);
+        return strText + SquareToString(run.Problem(1).m_vecExpectedSolutions[0].m_from) + " " +
+               item.m_strPattern + " " + item.m_pVariant->m_vecMoves[0].m_strText;
     };
     const std::string strBefore = textOf();
     MirrorProblem(run.Problem(1));
     EXPECT_EQ(textOf(), "1K5N/5pP1/8/5k2/8/8/6BQ/8 1.Nh8-f7; 2.R>b5 g7-g8QG8 Kf5-f6F6 Bg2-h3H3 "
-                        "Kf6-e7E7 Qh2-e5E5G7");
+                        "Kf6-e7E7 Qh2-e5E5G7 2k5//8/4p3 Qe1-e2");
     MirrorProblem(run.Problem(1));
     EXPECT_EQ(textOf(), strBefore);
 }

@@ -1,8 +1,4 @@
-#include "chess/fen.h"
-#include "chess/notation.h"
-#include "support/positions.h"
-
-#include <gtest/gtest.h>
+#include "support/chesstest.h"
 
 #include <cstring>
 

@@ -1,8 +1,5 @@
 #include "chess/matekind.h"
-#include "support/positions.h"
-#include "support/slowchess.h"
-
-#include <gtest/gtest.h>
+#include "support/chesstest.h"
 
 #include <map>
 

@@ -1,10 +1,5 @@
-#include "chess/fen.h"
-#include "support/positions.h"
-#include "support/slowchess.h"
+#include "support/chesstest.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
 #include <map>
 #include <sstream>
 
@@ -220,8 +215,7 @@ private:
             move.m_bEnPassant =
                 slow.KindOf(move.m_from) == KIND_PAWN && move.m_to == slow.m_nPassedSquare;
             const TSquare captured = move.m_bEnPassant ? move.m_to ^ 8 : move.m_to;
-            TSlowPosition next = slow;
-            next.Play(move);
+            const TSlowPosition next = slow.After(move);
             const TChessboard expected = Scanned(next, board.m_nMoves - 1, move);
             const std::vector<int> vecExpected = ContentsOf(expected);
 

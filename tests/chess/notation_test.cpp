@@ -1,10 +1,6 @@
-#include "chess/fen.h"
-#include "chess/notation.h"
-#include "support/positions.h"
+#include "chess/moveset.h"
+#include "support/chesstest.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
 #include <cstring>
 #include <map>
 
@@ -222,8 +218,7 @@ void RefuseOthers(TChessboard& board, const std::vector<TMove>& vecLegal)
             continue;
         if ((board.m_board[move.m_from] & KIND_MASK) == KIND_PAWN && IsEdge(RowOf(move.m_to)))
             move.m_promotion = KIND_ROOK;
-        const bool bLegal = std::any_of(vecLegal.begin(), vecLegal.end(),
-                                        [&](const TMove& m) { return IsSameMove(m, move); });
+        const bool bLegal = ContainsMove(vecLegal, move);
         EXPECT_EQ(IsMoveLegal(board, move), bLegal);
         const std::string strText = PrintMove(move, board);
         if (strText[0] == '0') // a far move of the king would be read as castling

@@ -1,7 +1,5 @@
 #include "chess/perft.h"
-#include "support/positions.h"
-
-#include <gtest/gtest.h>
+#include "support/chesstest.h"
 
 #include <cctype>
 

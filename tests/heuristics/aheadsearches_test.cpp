@@ -1,4 +1,3 @@
-#include "chess/fen.h"
 #include "heuristics/blockedfigures.h"
 #include "heuristics/differential.h"
 #include "heuristics/reduction.h"
@@ -8,8 +7,6 @@
 #include "search/nodes.h"
 #include "search/pinnedrook.h"
 #include "search/tryunblock.h"
-
-#include <gtest/gtest.h>
 
 namespace corvina
 {

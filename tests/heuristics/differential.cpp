@@ -1,12 +1,8 @@
 #include "heuristics/differential.h"
 
-#include "chess/fen.h"
-#include "chess/notation.h"
 #include "heuristics/setreader.h"
-#include "search/solve.h"
-#include "support/data.h"
-#include "support/positions.h"
-#include "support/slowchess.h"
+#include "support/chesstest.h"
+#include "support/taskrequest.h"
 
 namespace corvina
 {
@@ -22,21 +18,19 @@ TRunOf SolveWith(const TChessboard& board, int nMate, const std::string& strSet,
 
 TRunOf SolveWith(const TChessboard& board, int nMate, const THeuristicSet& set, int nThreads)
 {
-    TSolveRequest request;
-    *request.m_pChessboard = board;
-    request.SetMateIn(nMate);
+    TTaskRequest request(board, nMate);
     request.m_heuristicSet = set;
     request.m_nMinRegisterPlies = 0;
     request.m_nMinPinnedRookPlies = 5;
     request.m_nMinUnblockPlies = 3;
     TRunOf run;
     request.OnPassEnd = [&](const TPassReport& report) { run.m_vecPasses.push_back(report); };
-    TRunSettings settings;
-    settings.m_nThreads = nThreads;
-    settings.m_bQuickMode = nMate % 2 == 0;
+    const TRunSettings settings{
+        .m_nThreads = nThreads, .m_bQuickMode = nMate % 2 == 0, .m_overrides = {}};
     run.m_vecSolutions = SortedTexts(Solve(request, settings).m_vecSolutions);
     run.m_anCuts = request.m_anCuts;
     run.m_anWhiteCuts = request.m_anWhiteCuts;
+    run.m_nPositions = request.m_nPositions;
     run.m_bDoubtful = request.m_bDoubtful;
     run.m_nOneColourMates = request.m_nOneColourMates;
     run.m_nSingleQueenMates = request.m_nSingleQueenMates;

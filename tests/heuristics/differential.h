@@ -23,7 +23,8 @@ struct TRunOf
 
     // What searches of their own have shown (TSolveRequest).
     int m_nOneColourMates = 0, m_nSingleQueenMates = 0;
-    std::uint64_t m_nPinnedRookSearches = 0, m_nPinnedRookMates = 0, m_nUnblockTries = 0;
+    std::uint64_t m_nPositions = 0, m_nPinnedRookSearches = 0, m_nPinnedRookMates = 0,
+                  m_nUnblockTries = 0;
 };
 
 /// All solutions, by way of the set; "none" is the yardstick.

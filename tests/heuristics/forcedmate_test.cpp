@@ -1,17 +1,11 @@
-#include "chess/fen.h"
+#include "chess/moveset.h"
 #include "heuristics/forcingmoves.h"
 #include "heuristics/heuristicbits.h"
 #include "heuristics/randomsets.h"
 #include "search/forcedmate.h"
 #include "search/hooks.h"
 #include "search/plainsearch.h"
-#include "support/data.h"
-#include "support/positions.h"
-#include "support/slowchess.h"
-
-#include <gtest/gtest.h>
-
-#include <algorithm>
+#include "support/chesstest.h"
 
 namespace corvina
 {
@@ -25,11 +19,7 @@ struct TList
     std::vector<TMove> m_vecMoves;
     bool m_bComplete = false;
 
-    bool Has(const TMove& move) const
-    {
-        return std::any_of(m_vecMoves.begin(), m_vecMoves.end(),
-                           [&](const TMove& listed) { return IsSameMove(listed, move); });
-    }
+    bool Has(const TMove& move) const { return ContainsMove(m_vecMoves, move); }
 };
 
 template <int nLevel>
@@ -52,24 +42,14 @@ TList List(TChessboard& board, int nLevel, const TMove& previousMove = TMove{},
     return aLists[nLevel - FFM_CHECK_ONLY](board, previousMove, bAddCaptures);
 }
 
-/// A position of a run with a set of the forced mate search.
-std::unique_ptr<TSetPosition> Position(const TChessboard& board, int nLevel = FFM_CHECK_ONLY)
+/// A position of a run with the forced mate search.
+struct TForcedPosition : TSetPosition
 {
-    auto position = std::make_unique<TSetPosition>(board, HALF_MOVES);
-    THeuristicSet set;
-    set.m_nHeuristics = SH_FINDFORCEDMATE;
-    set.m_params.m_nFfmLevel = static_cast<std::uint8_t>(nLevel);
-    position->Apply(set);
-    position->board.m_nPass = 1;
-    return position;
-}
-
-std::unique_ptr<TSetPosition> Position(const std::string& strFen, int nLevel = FFM_CHECK_ONLY)
-{
-    TChessboard board;
-    EXPECT_TRUE(ReadFen(board, strFen)) << strFen;
-    return Position(board, nLevel);
-}
+    explicit TForcedPosition(const TChessboard& position) : TSetPosition(position, HALF_MOVES)
+    {
+        Apply("SH_FINDFORCEDMATE(CheckOnly)");
+    }
+};
 
 /// What stands behind a move of White, by the plain recursion and the plain rules.
 struct TMoveFacts
@@ -121,9 +101,9 @@ TEST(ForcingMoves, ListsHoldWhatTheLevelPromises)
     std::mt19937 random(21);
     int nThreats = 0, nLeftOut = 0;
     for (int i = 0; i < 60; ++i) {
-        const auto position =
-            Position(i % 2 ? ComposedPosition(random) : RandomPosition(random, 5 + i % 6));
-        TChessboard& board = position->board;
+        TForcedPosition position(i % 2 ? ComposedPosition(random)
+                                       : RandomPosition(random, 5 + i % 6));
+        TChessboard& board = position.board;
         const bool bEvasion = board.m_whiteChecker != NO_CHECK;
         const std::vector<TMove> vecLegal = LegalMoves(board);
         const TList checks = List(board, FFM_CHECK_ONLY);
@@ -168,10 +148,10 @@ TEST(ForcedMate, RefusesSettingsWithoutASearch)
                   {{10, FFM_BOUND_WIDE, 0}, "bAllowExceptions"},
                   {{FFM_THREAT_1, FFM_BOUND_AUTOMATIC, 2}, "VerifyHeuristics"},
                   {{FFM_THREAT_1, 13, 0}, "m_shLookForQuickerMateDepth"}};
-    const auto position = Position("6k1/5ppp/8/8/8/8/8/3R2K1");
+    TForcedPosition position(BoardOf("6k1/5ppp/8/8/8/8/8/3R2K1"));
     for (const auto& c : aCases) {
         try {
-            FindForcedMate(position->board, c.m_settings);
+            FindForcedMate(position.board, c.m_settings);
             ADD_FAILURE() << c.m_pParameter;
         }
         catch (const std::exception& e) {
@@ -183,25 +163,18 @@ TEST(ForcedMate, RefusesSettingsWithoutASearch)
 TEST(ForcedMate, WhereNoCandidateIsLeftTheLineIsDoubtful)
 {
     // A bare king has nothing to check with.
-    const auto position = Position("k7/p7/8/8/8/7P/8/7K");
-    TMove move{};
-    for (const TMove& legal : LegalMoves(position->board)) {
-        if (MoveText(legal) == "h1g1")
-            move = legal;
-    }
-    TChessboard& child = PlayMove(position->board, move);
+    TForcedPosition position(BoardOf("k7/p7/8/8/8/7P/8/7K"));
+    TChessboard& child = PlayMove(position.board, ParseMove(position.board, "Kh1-g1"));
     EXPECT_LT(FindForcedMate(child), RESULT_NO_MATE);
-    EXPECT_EQ(position->context.m_nDoubtReason, SH_FINDFORCEDMATE);
-    EXPECT_GT(position->context.m_anCuts[9], 0u);
+    EXPECT_EQ(position.context.m_nDoubtReason, SH_FINDFORCEDMATE);
+    EXPECT_GT(position.context.m_anCuts[9], 0u);
 }
 
 TEST(ForcedMate, TellsALongSeriesOfChecks)
 {
     for (const char* pFen : {"7k/8/8/8/8/8/8/KN1Q4", "7k/8/8/8/8/8/8/KB1Q4"}) {
         constexpr int SERIES = 8;
-        TChessboard root;
-        ASSERT_TRUE(ReadFen(root, pFen));
-        TSetPosition position(root, 4 * SERIES + 1);
+        TSetPosition position(BoardOf(pFen), 4 * SERIES + 1);
         TChessboard* pBoard = &position.board;
         for (int i = 0; i < SERIES; ++i) {
             EXPECT_FALSE(IsLongCheckSeries(*pBoard, SERIES)) << i;
@@ -217,7 +190,7 @@ TEST(ForcedMate, TellsALongSeriesOfChecks)
                 break;
             }
         }
-        EXPECT_EQ(IsLongCheckSeries(*pBoard, SERIES), root.m_nWhiteKnights == 1) << pFen;
+        EXPECT_EQ(IsLongCheckSeries(*pBoard, SERIES), position.board.m_nWhiteKnights == 1) << pFen;
     }
 }
 

@@ -1,83 +1,53 @@
-#include "chess/fen.h"
 #include "heuristics/heuristicbits.h"
 #include "heuristics/impossibility.h"
 #include "heuristics/kingsurroundings.h"
 #include "heuristics/kingtailored.h"
+#include "heuristics/randomsets.h"
 #include "search/hooks.h"
 #include "search/plainsearch.h"
-#include "search/solverequest.h"
-#include "support/data.h"
-#include "support/positions.h"
-#include "support/slowchess.h"
+#include "support/chesstest.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
 #include <array>
-#include <bit>
 #include <cstring>
 #include <memory>
+#include <numeric>
+#include <sstream>
 
 namespace corvina
 {
 namespace
 {
 
-/// A root position with a request and a search thread of its own, and moves played from it.
-struct THookLine
+/// A root position with moves played from it.
+struct THookLine : TSetPosition
 {
-    TSolveRequest m_request;
-    TThreadContext m_context;
-    TChessboard m_root;
-    TChessboard* m_pLast;
+    TChessboard* m_pLast = &board;
 
-    /// nMoves half-moves are left at the root, and White is to move there. Moves as "e2e4 e7e8q";
-    /// "pass" is White's.
-    THookLine(const std::string& strFen, int nMoves, const std::string& strMoves,
+    /// nMoves half-moves are left at the root, and White is to move there. Moves as "e2e4 e7e8q".
+    THookLine(const TChessboard& position, int nMoves, const std::string& strMoves,
               std::uint32_t nHeuristics)
-        : m_context(nMoves), m_pLast(&m_root)
+        : TSetPosition(position, nMoves)
     {
-        ReadFen(m_root, strFen);
-        m_root.m_pRequest = &m_request;
-        m_root.m_pThread = &m_context;
-        m_context.m_pRootBoard = &m_root;
-        m_root.CheckStartPosition(static_cast<std::uint16_t>(nMoves), true);
-        m_root.m_nHeuristics = nHeuristics;
-        m_root.m_nPass = 1;
-        m_request.m_nRootWhiteFigures = static_cast<std::uint8_t>(WhiteFigures(m_root));
-        m_request.m_nRootBlackFigures = static_cast<std::uint8_t>(BlackFigures(m_root));
-        m_request.m_nRootWhitePawns = m_root.m_nWhitePawns;
-        m_request.m_nRootBlackPawns = m_root.m_nBlackPawns;
-        m_context.m_nRootBlackMajors = static_cast<std::uint8_t>(BlackMajors(m_root));
-        m_context.m_nRootWhiteMajors = static_cast<std::uint8_t>(WhiteMajors(m_root));
-        m_context.m_nRootWhiteMinors =
-            static_cast<std::uint8_t>(WhiteFigures(m_root) - WhiteMajors(m_root));
-        for (const std::string& strMove : Split(strMoves, ' '))
-            Play(strMove);
-    }
-
-    void Play(const std::string& strMove)
-    {
-        if (strMove == "pass") {
-            m_pLast = &m_context.MakeChild(*m_pLast);
-            m_pLast->MakeWhiteNullMove();
-            return;
+        board.m_nHeuristics = nHeuristics;
+        request.m_nRootWhiteFigures = static_cast<std::uint8_t>(WhiteFigures(board));
+        request.m_nRootBlackFigures = static_cast<std::uint8_t>(BlackFigures(board));
+        request.m_nRootWhitePawns = board.m_nWhitePawns;
+        request.m_nRootBlackPawns = board.m_nBlackPawns;
+        context.m_nRootBlackMajors = static_cast<std::uint8_t>(BlackMajors(board));
+        context.m_nRootWhiteMajors = static_cast<std::uint8_t>(WhiteMajors(board));
+        context.m_nRootWhiteMinors =
+            static_cast<std::uint8_t>(WhiteFigures(board) - WhiteMajors(board));
+        std::istringstream moves(strMoves);
+        for (std::string strMove; moves >> strMove;) {
+            const std::vector<TMove> vecMoves = LegalMoves(*m_pLast);
+            const auto isIt = [&](const TMove& move) { return MoveText(move) == strMove; };
+            m_pLast = &PlayMove(*m_pLast, *std::find_if(vecMoves.begin(), vecMoves.end(), isIt));
         }
-        for (const TMove& move : LegalMoves(*m_pLast)) {
-            if (MoveText(move) == strMove) {
-                m_pLast = &PlayMove(*m_pLast, move);
-                return;
-            }
-        }
-        ADD_FAILURE() << strMove << " is illegal in " << WriteFen(*m_pLast, true);
     }
 
     std::uint64_t Cuts() const
     {
-        std::uint64_t nCuts = 0;
-        for (const std::uint64_t n : m_context.m_anCuts)
-            nCuts += n;
-        return nCuts;
+        return std::accumulate(context.m_anCuts.begin(), context.m_anCuts.end(), std::uint64_t{0});
     }
 };
 
@@ -91,7 +61,7 @@ struct TState
     explicit TState(const THookLine& line)
     {
         std::memcpy(m_record.data(), line.m_pLast, sizeof(TChessboard));
-        const TThreadContext& context = line.m_context;
+        const TThreadContext& context = line.context;
         m_params = context;
         m_params.m_nDeferDeadline = 0;
         m_vecNotes.assign(context.m_anRepeatDepth.begin(), context.m_anRepeatDepth.end());
@@ -119,11 +89,11 @@ int AskHeuristics(TChessboard& board, TMove* pMove)
 
 int AskBlackHook(THookLine& line, TMove* pMove = nullptr)
 {
-    for (std::size_t i = 0; i < line.m_context.m_anRepeatDepth.size(); ++i)
-        line.m_context.m_anRepeatDepth[i] = static_cast<std::uint16_t>(3 * i);
-    line.m_context.m_bSkipEqualPromotions = true;
-    line.m_context.m_bAdditionalMovesUsed = true;
-    line.m_context.m_shAdditionalMoves = 0;
+    for (std::size_t i = 0; i < line.context.m_anRepeatDepth.size(); ++i)
+        line.context.m_anRepeatDepth[i] = static_cast<std::uint16_t>(3 * i);
+    line.context.m_bSkipEqualPromotions = true;
+    line.context.m_bAdditionalMovesUsed = true;
+    line.context.m_shAdditionalMoves = 0;
     const std::uint64_t nCuts = line.Cuts();
     const TState before(line);
     const int nAnswer = AskHeuristics(*line.m_pLast, pMove);
@@ -137,157 +107,154 @@ struct TCase
 {
     const char* m_pName;
     const char* m_pFen;
-    int m_nMoves;
     const char* m_pMoves;
     std::uint32_t m_nHeuristics;
-    void (*m_set)(THookLine&);
     int m_nExpected;
+    void (*m_set)(THookLine&) = [](THookLine&) {};
+    int m_nMoves = 9;
 };
+
+using P = THeuristicsParams;
 
 void PlainEdge(THookLine& line)
 {
-    line.m_context.m_bKingMustNotMove = false;
+    line.context.m_bKingMustNotMove = false;
 }
 
 void RelaxedEdge(THookLine& line)
 {
     PlainEdge(line);
-    line.m_context.m_nEdgeRelaxCaptures = 1;
+    line.context.m_nEdgeRelaxCaptures = 1;
+}
+
+/// The plain edge with one more of the flags.
+template <auto pFlag>
+void With(THookLine& line)
+{
+    PlainEdge(line);
+    line.context.*pFlag = true;
+}
+
+template <auto pFlag>
+void Relaxed(THookLine& line)
+{
+    RelaxedEdge(line);
+    line.context.*pFlag = true;
 }
 
 void Deferred(THookLine& line)
 {
     RelaxedEdge(line);
     line.m_pLast->m_boardFlags |= TChessboard::FLAG_EDGECHECKDEFERRED;
-    line.m_context.m_nDeferDeadline = 5;
+    line.context.m_nDeferDeadline = 5;
 }
 
 void StrictWithExceptions(THookLine& line)
 {
-    line.m_context.m_bKingMoveExceptions = true;
+    line.context.m_bKingMoveExceptions = true;
 }
 
 void Nothing(THookLine&) {}
 
-constexpr std::uint32_t EDGE = SH_KEEPKINGONTHEEDGE;
-constexpr std::uint32_t EXT = SH_KEEPKINGWITHINEXTEDGE;
+constexpr std::uint32_t EDGE = SH_KEEPKINGONTHEEDGE, EXT = SH_KEEPKINGWITHINEXTEDGE;
 constexpr std::uint32_t SURROUND = SH_ASSERTBLACKKINGSURROUNDED;
 
 const TCase g_aCases[] = {
     // The White king six steps away: mate in 1 or 2 comes too early for it.
-    {"far king", "7k/8/8/8/8/8/8/KQ6", 5, "b1b2 h8g8", SH_AREKINGSNEAR, Nothing, 1},
-    {"king in time", "7k/8/8/8/8/8/8/KQ6", 15, "b1b2 h8g8", SH_AREKINGSNEAR, Nothing, 0},
-    {"two queens", "7k/8/8/8/8/8/8/KQQ5", 5, "b1b2 h8g8", SH_AREKINGSNEAR, Nothing, 0},
-    {"just promoted", "7k/P7/8/8/8/8/8/K7", 5, "a7a8r h8g7", SH_AREKINGSNEAR, Nothing, 0},
-    {"pawn promotes", "8/7k/8/8/8/8/5P2/K1R1B3", 5, "c1c2 h7g7", SH_AREKINGSNEAR, Nothing, 1},
-    {"pawn in time", "8/7k/P7/8/8/8/8/K1R1B3", 5, "c1c2 h7g7", SH_AREKINGSNEAR, Nothing, 0},
-    {"own rook in the corner", "5r1k/8/8/8/8/8/8/KQ6", 5, "b1c1 f8g8", SH_AREKINGSNEAR, Nothing, 0},
-    {"rook away", "4r2k/8/8/8/8/8/8/KQ6", 5, "b1c1 e8f8", SH_AREKINGSNEAR, Nothing, 1},
+    {"far king", "7k/8/8/8/8/8/8/KQ6", "b1b2 h8g8", SH_AREKINGSNEAR, 1, Nothing, 5},
+    {"king in time", "7k/8/8/8/8/8/8/KQ6", "b1b2 h8g8", SH_AREKINGSNEAR, 0, Nothing, 15},
+    {"two queens", "7k/8/8/8/8/8/8/KQQ5", "b1b2 h8g8", SH_AREKINGSNEAR, 0, Nothing, 5},
+    {"just promoted", "7k/P7/8/8/8/8/8/K7", "a7a8r h8g7", SH_AREKINGSNEAR, 0, Nothing, 5},
+    {"pawn promotes", "8/7k/8/8/8/8/5P2/K1R1B3", "c1c2 h7g7", SH_AREKINGSNEAR, 1, Nothing, 5},
+    {"pawn in time", "8/7k/P7/8/8/8/8/K1R1B3", "c1c2 h7g7", SH_AREKINGSNEAR, 0, Nothing, 5},
+    {"own rook in the corner", "5r1k/8/8/8/8/8/8/KQ6", "b1c1 f8g8", SH_AREKINGSNEAR, 0, Nothing, 5},
+    {"rook away", "4r2k/8/8/8/8/8/8/KQ6", "b1c1 e8f8", SH_AREKINGSNEAR, 1, Nothing, 5},
 
-    {"on the edge", "4k3/8/8/8/8/8/R7/4K3", 9, "a2a3 e8f8", EDGE, PlainEdge, 0},
-    {"off the edge", "4k3/8/8/8/8/8/R7/4K3", 9, "a2a3 e8f7", EDGE, PlainEdge, 1},
-    {"no king move", "8/4k2n/8/8/8/8/R7/4K3", 9, "a2a3 h7g5", EDGE, PlainEdge, 1},
-    {"figure captured", "4k3/8/8/8/8/n7/R7/4K3", 9, "a2a3 e8f7", EDGE, PlainEdge, 0},
-    {"pawn captured", "4k3/8/8/8/8/p7/R7/4K3", 9, "a2a3 e8f7", EDGE, PlainEdge, 1},
-    {"won before", "4k3/8/8/8/8/n7/R7/4K3", 9, "a2a3 e8f8 a3a4 f8f7", EDGE, PlainEdge, 1},
-    {"balance won", "4k3/8/8/8/8/n7/R7/4K3", 9, "a2a3 e8f8 a3a4 f8f7", EDGE, RelaxedEdge, 0},
-    {"balance evened", "4k3/8/8/8/3n4/n7/R1N5/4K3", 11, "a2a3 d4c2 e1d1 c2a3 d1d2 e8f7", EDGE,
-     RelaxedEdge, 1},
-    {"no pawns counted", "4k3/8/8/8/8/p7/R7/4K3", 9, "a2a3 e8f8 a3a4 f8f7", EDGE, RelaxedEdge, 1},
-    {"pawns counted", "4k3/8/8/8/8/p7/R7/4K3", 9, "a2a3 e8f8 a3a4 f8f7", EDGE,
-     [](THookLine& line) {
-         RelaxedEdge(line);
-         line.m_context.m_bEdgeRelaxCountPawns = true;
-     },
-     0},
-    {"relaxed for the ext. edge", "4k3/8/8/8/8/n7/R7/4K3", 9, "a2a3 e8f8 a3a4 f8f7", EDGE,
-     [](THookLine& line) {
-         RelaxedEdge(line);
-         line.m_context.m_bEdgeRelaxExtOnly = true;
-     },
-     1},
-    {"advanced pawn", "7k/P7/8/8/8/8/R7/4K3", 9, "a2a3 h8g7", EDGE,
-     [](THookLine& line) {
-         PlainEdge(line);
-         line.m_context.m_bEdgeRelaxOnPawn = true;
-     },
-     0},
-    {"g7 from the edge", "7k/8/8/8/8/8/R7/4K3", 9, "a2a3 h8g7", EDGE, PlainEdge, 0},
-    {"g7 from the inside", "8/8/5k2/8/8/8/R7/4K3", 9, "a2a3 f6g7", EDGE, PlainEdge, 1},
-    {"corner counts as edge", "8/8/5k2/8/8/8/R7/4K3", 9, "a2a3 f6g7", EDGE,
-     [](THookLine& line) {
-         PlainEdge(line);
-         line.m_context.m_bInclCorner = true;
-     },
-     0},
-    {"lone queen attacked", "8/3k4/8/8/8/8/R7/1q2K2R", 9, "e1f2 b1a2 f2e3 d7c6", EDGE, PlainEdge,
-     1},
-    {"lone queen en prise", "8/3k4/8/8/q7/8/R7/4K3", 9, "e1f1 d7c6", EDGE, PlainEdge, 0},
-    {"waiting", "4k3/8/8/8/8/8/R7/4K3", 9, "a2a3 e8f7", EDGE, Deferred, 0},
-    {"deadline over", "4k3/8/8/8/8/8/R7/4K3", 5, "a2a3 e8f7", EDGE, Deferred, 1},
-    {"relaxed in the line", "4k3/8/8/8/8/8/R7/4K3", 9, "a2a3 e8f8", EDGE,
-     [](THookLine& line) { line.m_pLast->m_boardFlags |= TChessboard::FLAG_EDGERELAXED; }, 0},
+    {"on the edge", "4k3/8/8/8/8/8/R7/4K3", "a2a3 e8f8", EDGE, 0, PlainEdge},
+    {"off the edge", "4k3/8/8/8/8/8/R7/4K3", "a2a3 e8f7", EDGE, 1, PlainEdge},
+    {"no king move", "8/4k2n/8/8/8/8/R7/4K3", "a2a3 h7g5", EDGE, 1, PlainEdge},
+    {"figure captured", "4k3/8/8/8/8/n7/R7/4K3", "a2a3 e8f7", EDGE, 0, PlainEdge},
+    {"pawn captured", "4k3/8/8/8/8/p7/R7/4K3", "a2a3 e8f7", EDGE, 1, PlainEdge},
+    {"won before", "4k3/8/8/8/8/n7/R7/4K3", "a2a3 e8f8 a3a4 f8f7", EDGE, 1, PlainEdge},
+    {"balance won", "4k3/8/8/8/8/n7/R7/4K3", "a2a3 e8f8 a3a4 f8f7", EDGE, 0, RelaxedEdge},
+    {"balance evened", "4k3/8/8/8/3n4/n7/R1N5/4K3", "a2a3 d4c2 e1d1 c2a3 d1d2 e8f7", EDGE, 1,
+     RelaxedEdge, 11},
+    {"no pawns counted", "4k3/8/8/8/8/p7/R7/4K3", "a2a3 e8f8 a3a4 f8f7", EDGE, 1, RelaxedEdge},
+    {"pawns counted", "4k3/8/8/8/8/p7/R7/4K3", "a2a3 e8f8 a3a4 f8f7", EDGE, 0,
+     Relaxed<&P::m_bEdgeRelaxCountPawns>},
+    {"relaxed for the ext. edge", "4k3/8/8/8/8/n7/R7/4K3", "a2a3 e8f8 a3a4 f8f7", EDGE, 1,
+     Relaxed<&P::m_bEdgeRelaxExtOnly>},
+    {"advanced pawn", "7k/P7/8/8/8/8/R7/4K3", "a2a3 h8g7", EDGE, 0, With<&P::m_bEdgeRelaxOnPawn>},
+    {"g7 from the edge", "7k/8/8/8/8/8/R7/4K3", "a2a3 h8g7", EDGE, 0, PlainEdge},
+    {"g7 from the inside", "8/8/5k2/8/8/8/R7/4K3", "a2a3 f6g7", EDGE, 1, PlainEdge},
+    {"corner counts as edge", "8/8/5k2/8/8/8/R7/4K3", "a2a3 f6g7", EDGE, 0,
+     With<&P::m_bInclCorner>},
+    {"lone queen attacked", "8/3k4/8/8/8/8/R7/1q2K2R", "e1f2 b1a2 f2e3 d7c6", EDGE, 1, PlainEdge},
+    {"lone queen en prise", "8/3k4/8/8/q7/8/R7/4K3", "e1f1 d7c6", EDGE, 0, PlainEdge},
+    {"waiting", "4k3/8/8/8/8/8/R7/4K3", "a2a3 e8f7", EDGE, 0, Deferred},
+    {"deadline over", "4k3/8/8/8/8/8/R7/4K3", "a2a3 e8f7", EDGE, 1, Deferred, 5},
+    {"relaxed in the line", "4k3/8/8/8/8/8/R7/4K3", "a2a3 e8f8", EDGE, 0,
+     [](THookLine& line) { line.m_pLast->m_boardFlags |= TChessboard::FLAG_EDGERELAXED; }},
 
-    {"king stays", "4k2n/8/8/8/8/8/R7/4K3", 9, "a2a3 h8g6", EDGE, Nothing, 0},
-    {"king moves", "4k3/8/8/8/8/8/R7/4K3", 9, "a2a3 e8f8", EDGE, Nothing, 1},
-    {"mate in one", "3k4/8/3K4/8/8/8/1Q6/8", 9, "b2a2 d8e8", EDGE, Nothing, 0},
-    {"mate in two", "3k4/8/3K4/8/8/8/R7/8", 9, "a2a1 d8e8", EDGE, Nothing, 0},
-    {"left its root square", "4k3/8/8/8/8/8/R7/4K3", 9, "a2a3 e8f8", EDGE, StrictWithExceptions, 0},
-    {"moved on", "4k3/8/8/8/8/8/R7/4K3", 9, "a2a3 e8f8 a3a4 f8g8", EDGE, StrictWithExceptions, 1},
-    {"another move after the exception", "4k2n/8/8/8/8/8/R7/4K3", 9, "a2a3 e8f8 a3a4 h8g6", EDGE,
-     StrictWithExceptions, 1},
-    {"both shuttled", "4k3/8/8/8/8/8/R7/4K3", 9, "a2a3 e8f8 a3a2 f8e8", EDGE, Nothing, 0},
-    {"one shuttled", "4k3/8/8/8/8/8/R7/4K3", 9, "a2a3 e8f8 a3a4 f8e8", EDGE, Nothing, 1},
-    {"figure won", "4k3/8/8/8/8/n7/R7/4K3", 9, "a2a3 e8f8", EDGE, Nothing, 0},
-    {"standing pawn won", "4k3/8/8/8/8/p7/R7/4K3", 9, "a2a3 e8f8", EDGE, Nothing, 1},
-    {"arriving pawn won", "4k3/8/8/8/p7/8/R7/4K3", 9, "e1e2 a4a3 a2a3 e8f8", EDGE, Nothing, 0},
-    {"a pawn mates", "8/1P6/k1K5/8/8/8/8/8", 9, "c6c7 a6a7", EDGE, Nothing, 0},
-    {"a pawn promotes too late", "8/1P6/8/8/8/2k5/8/7K", 9, "h1h2 c3d4", EDGE, Nothing, 1},
-    {"exchange", "4k3/8/8/8/2n5/N7/RP6/4K3", 9, "e1e2 c4a3 b2a3 e8f8", EDGE, Nothing, 1},
-    {"pawn let through", "k7/P2K4/8/8/8/8/7B/8", 9, "h2g3 a8a7", EDGE, Nothing, 1},
-    {"promotion square left", "1k6/1P6/8/2K5/8/8/5B2/8", 9, "f2g3 b8a7", EDGE, Nothing, 0},
-    {"heavy figures won", "4k2r/8/8/8/8/8/7R/4K3", 9, "h2h8 e8e7 h8h7 e7e8", EDGE, Nothing, 0},
+    {"king stays", "4k2n/8/8/8/8/8/R7/4K3", "a2a3 h8g6", EDGE, 0},
+    {"king moves", "4k3/8/8/8/8/8/R7/4K3", "a2a3 e8f8", EDGE, 1},
+    {"mate in one", "3k4/8/3K4/8/8/8/1Q6/8", "b2a2 d8e8", EDGE, 0},
+    {"mate in two", "3k4/8/3K4/8/8/8/R7/8", "a2a1 d8e8", EDGE, 0},
+    {"left its root square", "4k3/8/8/8/8/8/R7/4K3", "a2a3 e8f8", EDGE, 0, StrictWithExceptions},
+    {"moved on", "4k3/8/8/8/8/8/R7/4K3", "a2a3 e8f8 a3a4 f8g8", EDGE, 1, StrictWithExceptions},
+    {"another move after the exception", "4k2n/8/8/8/8/8/R7/4K3", "a2a3 e8f8 a3a4 h8g6", EDGE, 1,
+     StrictWithExceptions},
+    {"both shuttled", "4k3/8/8/8/8/8/R7/4K3", "a2a3 e8f8 a3a2 f8e8", EDGE, 0},
+    {"one shuttled", "4k3/8/8/8/8/8/R7/4K3", "a2a3 e8f8 a3a4 f8e8", EDGE, 1},
+    {"figure won", "4k3/8/8/8/8/n7/R7/4K3", "a2a3 e8f8", EDGE, 0},
+    {"standing pawn won", "4k3/8/8/8/8/p7/R7/4K3", "a2a3 e8f8", EDGE, 1},
+    {"arriving pawn won", "4k3/8/8/8/p7/8/R7/4K3", "e1e2 a4a3 a2a3 e8f8", EDGE, 0},
+    {"a pawn mates", "8/1P6/k1K5/8/8/8/8/8", "c6c7 a6a7", EDGE, 0},
+    {"a pawn promotes too late", "8/1P6/8/8/8/2k5/8/7K", "h1h2 c3d4", EDGE, 1},
+    {"exchange", "4k3/8/8/8/2n5/N7/RP6/4K3", "e1e2 c4a3 b2a3 e8f8", EDGE, 1},
+    {"pawn let through", "k7/P2K4/8/8/8/8/7B/8", "h2g3 a8a7", EDGE, 1},
+    {"promotion square left", "1k6/1P6/8/2K5/8/8/5B2/8", "f2g3 b8a7", EDGE, 0},
+    {"heavy figures won", "4k2r/8/8/8/8/8/7R/4K3", "h2h8 e8e7 h8h7 e7e8", EDGE, 0},
 
-    {"second ring", "8/3k4/8/8/8/8/R7/4K3", 9, "a2a3 d7e7", EXT, Nothing, 0},
-    {"third ring", "8/3k4/8/8/8/8/R7/4K3", 9, "a2a3 d7e6", EXT, Nothing, 1},
-    {"queen promoted", "8/P2k4/8/8/8/8/8/4K3", 9, "a7a8q d7e6", EXT, Nothing, 0},
-    {"bare on c6", "8/1k6/8/8/8/n7/R7/4K3", 9, "a2a3 b7c7 a3a1 c7c6", EXT, Nothing, 0},
-    {"balance one short, figure falls", "8/3k4/8/8/n7/8/8/R3K3", 9, "e1f1 d7e6", EXT, RelaxedEdge,
-     0},
-    {"box shut", "R7/4k3/8/8/R7/8/8/3RKR2", 9, "e1e2 e7e6", EXT, Nothing, 0},
-    {"figure en prise", "8/7p/3k4/6P1/8/8/R7/4K3", 9, "a2a3 h7h6", EXT, Nothing, 0},
-    {"moves to the edge", "8/3k4/8/8/8/8/R7/4K3", 9, "a2a3 d7e7 a3a4 e7e8", EXT,
-     [](THookLine& line) { line.m_context.m_bExtEdgeMoveOnly = true; }, 0},
-    {"moves off the edge", "8/3k4/8/8/8/8/R7/4K3", 9, "a2a3 d7e7 a3a4 e7f7", EXT,
-     [](THookLine& line) { line.m_context.m_bExtEdgeMoveOnly = true; }, 1},
+    {"second ring", "8/3k4/8/8/8/8/R7/4K3", "a2a3 d7e7", EXT, 0},
+    {"third ring", "8/3k4/8/8/8/8/R7/4K3", "a2a3 d7e6", EXT, 1},
+    {"queen promoted", "8/P2k4/8/8/8/8/8/4K3", "a7a8q d7e6", EXT, 0},
+    {"bare on c6", "8/1k6/8/8/8/n7/R7/4K3", "a2a3 b7c7 a3a1 c7c6", EXT, 0},
+    {"balance one short, figure falls", "8/3k4/8/8/n7/8/8/R3K3", "e1f1 d7e6", EXT, 0, RelaxedEdge},
+    {"box shut", "R7/4k3/8/8/R7/8/8/3RKR2", "e1e2 e7e6", EXT, 0},
+    {"figure en prise", "8/7p/3k4/6P1/8/8/R7/4K3", "a2a3 h7h6", EXT, 0},
+    {"moves to the edge", "8/3k4/8/8/8/8/R7/4K3", "a2a3 d7e7 a3a4 e7e8", EXT, 0,
+     With<&P::m_bExtEdgeMoveOnly>},
+    {"moves off the edge", "8/3k4/8/8/8/8/R7/4K3", "a2a3 d7e7 a3a4 e7f7", EXT, 1,
+     With<&P::m_bExtEdgeMoveOnly>},
 
-    {"strictly surrounded", "4k3/8/4K3/8/8/8/1R6/8", 9, "b2c2 e8d8", SURROUND,
-     [](THookLine& line) { line.m_context.m_bSurroundedStrict = true; }, 0},
-    {"strict and free", "4k3/8/8/8/4K3/8/1R6/8", 9, "b2a2 e8d8", SURROUND,
-     [](THookLine& line) { line.m_context.m_bSurroundedStrict = true; }, 1},
-    {"free in the middle", "8/8/4k3/8/8/p1p1p3/8/KB1B4", 11, "b1a2 e6d6 d1g4 d6c5", SURROUND,
-     Nothing, 1},
-    {"free in the root position", "8/8/4k3/8/8/p1p1p3/8/KB1B4", 11, "b1a2 e6d6", SURROUND, Nothing,
-     0},
-    {"a queen closes in", "8/8/4k3/8/8/p1p1p3/8/KB1B3Q", 11, "b1c2 e6d6 d1e2 d6e5", SURROUND,
-     Nothing, 0},
+    {"strictly surrounded", "4k3/8/4K3/8/8/8/1R6/8", "b2c2 e8d8", SURROUND, 0,
+     With<&P::m_bSurroundedStrict>},
+    {"strict and free", "4k3/8/8/8/4K3/8/1R6/8", "b2a2 e8d8", SURROUND, 1,
+     With<&P::m_bSurroundedStrict>},
+    {"free in the middle", "8/8/4k3/8/8/p1p1p3/8/KB1B4", "b1a2 e6d6 d1g4 d6c5", SURROUND, 1,
+     Nothing, 11},
+    {"free in the root position", "8/8/4k3/8/8/p1p1p3/8/KB1B4", "b1a2 e6d6", SURROUND, 0, Nothing,
+     11},
+    {"a queen closes in", "8/8/4k3/8/8/p1p1p3/8/KB1B3Q", "b1c2 e6d6 d1e2 d6e5", SURROUND, 0,
+     Nothing, 11},
 };
 
 TEST(KingHooks, CasesOfTheRules)
 {
     for (const TCase& test : g_aCases) {
         SCOPED_TRACE(test.m_pName);
-        THookLine line(test.m_pFen, test.m_nMoves, test.m_pMoves, test.m_nHeuristics);
+        THookLine line(BoardOf(test.m_pFen), test.m_nMoves, test.m_pMoves, test.m_nHeuristics);
         test.m_set(line);
         EXPECT_EQ(AskBlackHook(line), test.m_nExpected) << WriteFen(*line.m_pLast, true);
-        EXPECT_EQ(line.m_context.m_nDoubtReason, test.m_nExpected > 0 ? test.m_nHeuristics : 0);
+        EXPECT_EQ(line.context.m_nDoubtReason, test.m_nExpected > 0 ? test.m_nHeuristics : 0);
     }
 }
 
 TEST(KingHooks, AStoppedMateTestDecidesNothing)
 {
-    THookLine line("4k3/8/8/8/8/8/R7/4K3", 9, "a2a3 e8f8", EDGE);
-    line.m_request.SetStopState(TStopBlock::STOP, TStopBlock::ALL_THREADS);
+    THookLine line(BoardOf("4k3/8/8/8/8/8/R7/4K3"), 9, "a2a3 e8f8", EDGE);
+    line.request.SetStopState(TStopBlock::STOP, TStopBlock::ALL_THREADS);
     EXPECT_EQ(AskBlackHook(line), HOOK_UNDECIDED);
 }
 
@@ -313,23 +280,21 @@ TEST(KingHooks, ViolationsWaitForADeadline)
         {EXT, LONE, 2, false, 0, 3},        {EXT, LONE, 2, true, 1, 0},
     };
     for (const TDeferral& test : aDeferrals) {
-        THookLine line(test.m_pFen, 9, "a2b2 d7e6", test.m_nHeuristic);
+        THookLine line(BoardOf(test.m_pFen), 9, "a2b2 d7e6", test.m_nHeuristic);
         RelaxedEdge(line);
-        line.m_context.m_nDeferMoves = static_cast<std::uint16_t>(test.m_nDeferMoves);
-        line.m_context.m_bSkipDeferIfNoChange = test.m_bSkipIfNoChange;
+        line.context.m_nDeferMoves = static_cast<std::uint16_t>(test.m_nDeferMoves);
+        line.context.m_bSkipDeferIfNoChange = test.m_bSkipIfNoChange;
         TMove move = line.m_pLast->m_LastMove;
         EXPECT_EQ(AskBlackHook(line, &move), test.m_nExpected) << test.m_pFen;
         EXPECT_EQ((move.m_promotion & TMove::MARK) != 0, test.m_nDeadline > 0);
-        EXPECT_EQ(line.m_context.m_nDeferDeadline, test.m_nDeadline);
+        EXPECT_EQ(line.context.m_nDeferDeadline, test.m_nDeadline);
     }
 }
 
 /// A random position in which White has moved and Black has answered, or null.
 std::unique_ptr<THookLine> RandomLine(std::mt19937& random, int nFigures, std::uint32_t nHeuristics)
 {
-    auto pLine = std::make_unique<THookLine>(WriteFen(RandomPosition(random, nFigures), true), 11,
-                                             "pass", nHeuristics);
-    pLine->m_pLast = &pLine->m_root;
+    auto pLine = std::make_unique<THookLine>(RandomPosition(random, nFigures), 11, "", nHeuristics);
     for (int nPly = 0; nPly < 4; ++nPly) {
         const std::vector<TMove> vecMoves = LegalMoves(*pLine->m_pLast);
         if (vecMoves.empty())
@@ -359,9 +324,9 @@ TEST(KingHooks, NoMateInOneIsCut)
             if (!pLine)
                 continue;
             THookLine& line = *pLine;
-            line.m_context.m_bSurroundedStrict = line.m_context.m_bExtEdgeMoveOnly = true;
-            line.m_context.m_bKingMoveExceptions = i & 1;
-            line.m_context.m_nCornerDistance = -1;
+            line.context.m_bSurroundedStrict = line.context.m_bExtEdgeMoveOnly = true;
+            line.context.m_bKingMoveExceptions = i & 1;
+            line.context.m_nCornerDistance = -1;
             const bool bCut = AskBlackHook(line) > 0;
             nCuts += bCut;
             nPasses += !bCut;
@@ -385,11 +350,11 @@ TEST(KingHooks, RandomParametersLeaveNoTrace)
         line.m_pLast->m_nHeuristics = aMasks[i % 4];
         line.m_pLast->m_nPositionFlags |=
             random() & (TChessboard::POSITION_FEWFIGURES | TChessboard::POSITION_FREEKING);
-        line.m_context.m_bKingMustNotMove = random() % 3 == 0;
-        line.m_context.m_nEdgeRelaxCaptures = random() % 3;
-        line.m_context.m_nDeferMoves = random() % 2;
-        line.m_context.m_bInclCorner = random() % 2;
-        line.m_context.m_bEdgeRelaxOnPawn = random() % 2;
+        line.context.m_bKingMustNotMove = random() % 3 == 0;
+        line.context.m_nEdgeRelaxCaptures = random() % 3;
+        line.context.m_nDeferMoves = random() % 2;
+        line.context.m_bInclCorner = random() % 2;
+        line.context.m_bEdgeRelaxOnPawn = random() % 2;
         const int nAnswer = AskBlackHook(line);
         EXPECT_TRUE(nAnswer == HOOK_PASSES || nAnswer == HOOK_DOUBTFUL);
         const TState before(line);
@@ -444,8 +409,8 @@ int SlowSurroundFree(const TChessboard& board, int nLimit)
         for (int to = 0; to < 64; ++to) {
             if (!withKing.IsPseudoLegal(from, to))
                 continue;
-            TSlowPosition after = slow;
-            after.Play({static_cast<std::uint8_t>(from), static_cast<std::uint8_t>(to), 0, 0});
+            const TSlowPosition after =
+                slow.After({static_cast<std::uint8_t>(from), static_cast<std::uint8_t>(to), 0, 0});
             for (const int fourth : vecFree) {
                 const auto onLine = [&](bool bFile) {
                     return std::all_of(vecFree.begin(), vecFree.end(), [&](int square) {

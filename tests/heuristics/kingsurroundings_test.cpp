@@ -1,10 +1,5 @@
-#include "chess/fen.h"
 #include "heuristics/kingsurroundings.h"
-#include "support/data.h"
-#include "support/positions.h"
-#include "support/slowchess.h"
-
-#include <gtest/gtest.h>
+#include "support/chesstest.h"
 
 #include <cstring>
 
@@ -58,12 +53,6 @@ int SlowGuards(const TSlowPosition& slow)
     return nGuards;
 }
 
-TSlowPosition After(TSlowPosition position, const TMove& move)
-{
-    position.Play(move);
-    return position;
-}
-
 bool SlowGetsThrough(const TSlowPosition& position, int pawn)
 {
     for (const TMove& move : position.LegalMoves()) {
@@ -71,12 +60,12 @@ bool SlowGetsThrough(const TSlowPosition& position, int pawn)
         if (move.m_from != pawn || (move.m_promotion && move.m_promotion != KIND_QUEEN) ||
             (RowOf(pawn) < 5 && !bEnPassant))
             continue;
-        const TSlowPosition next = After(position, move);
+        const TSlowPosition next = position.After(move);
         const std::vector<TMove> vecReplies = next.LegalMoves();
         bool bHolds = move.m_promotion || !vecReplies.empty() || next.InCheck(EColour::Black);
         for (const TMove& reply : vecReplies) {
             bHolds = bHolds && reply.m_to != move.m_to &&
-                     (move.m_promotion || SlowGetsThrough(After(next, reply), move.m_to));
+                     (move.m_promotion || SlowGetsThrough(next.After(reply), move.m_to));
         }
         if (bHolds)
             return true;

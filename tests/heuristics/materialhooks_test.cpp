@@ -18,46 +18,45 @@ struct TCase
     int m_nExpected;
 };
 
-constexpr TCase g_aCases[] = {
-    {"queen lost, a rook stays", "r3k3/8/8/8/8/Q7/8/1K5R", "SH_SAVEQUEEN/ROOK", "Kb1-c2 Ra8:a3", 1},
-    {"rook lost, the queen stays", "r3k3/8/8/8/8/R7/8/1K5Q", "SH_SAVEQUEEN/ROOK", "Kb1-c2 Ra8:a3",
-     0},
-    {"rook lost, no queen", "r3k3/8/8/8/R7/8/8/1K5R", "SH_SAVEQUEEN/ROOK", "Kb1-b2 Ra8:a4", 1},
-    {"knight lost", "r3k3/8/8/8/N7/8/8/1K5R", "SH_SAVEQUEEN/ROOK", "Kb1-b2 Ra8:a4", 0},
+constexpr const char* SAVE = "SH_SAVEQUEEN/ROOK";
+constexpr const char* LOSE_FAR_PAWN = "SH_DONTLOSEANYFIGURES(incl.pawnsBeforePromo)";
+constexpr const char* LOSE_PAWN = "SH_DONTLOSEANYFIGURES(incl.pawns)";
+constexpr const char* LINE_E = "SH_KEYLINE(E)";
+constexpr const char* DIAGONAL = "SH_KEYDIAGONAL(A1-H8)";
+constexpr const char* STAY_E7 = "SH_DONTLETFIGUREUNBLOCK(EFF,E7)";
+constexpr const char* STAY_H8 = "SH_DONTLETFIGUREUNBLOCK(EFF,H8)";
+constexpr const char* KEY_E8 = "SH_KEYWHITEFIGURE(E8)";
 
-    {"pawn of the fifth row", "r3k3/8/8/P7/8/8/8/1K5R",
-     "SH_DONTLOSEANYFIGURES(incl.pawnsBeforePromo)", "Kb1-b2 Ra8:a5", 0},
-    {"pawn of the sixth row", "r3k3/8/P7/8/8/8/8/1K5R",
-     "SH_DONTLOSEANYFIGURES(incl.pawnsBeforePromo)", "Kb1-b2 Ra8:a6", 1},
-    {"any pawn", "r3k3/8/8/P7/8/8/8/1K5R", "SH_DONTLOSEANYFIGURES(incl.pawns)", "Kb1-b2 Ra8:a5", 1},
+constexpr TCase g_aCases[] = {
+    {"queen lost, a rook stays", "r3k3/8/8/8/8/Q7/8/1K5R", SAVE, "Kb1-c2 Ra8:a3", 1},
+    {"rook lost, the queen stays", "r3k3/8/8/8/8/R7/8/1K5Q", SAVE, "Kb1-c2 Ra8:a3", 0},
+    {"rook lost, no queen", "r3k3/8/8/8/R7/8/8/1K5R", SAVE, "Kb1-b2 Ra8:a4", 1},
+    {"knight lost", "r3k3/8/8/8/N7/8/8/1K5R", SAVE, "Kb1-b2 Ra8:a4", 0},
+
+    {"pawn of the fifth row", "r3k3/8/8/P7/8/8/8/1K5R", LOSE_FAR_PAWN, "Kb1-b2 Ra8:a5", 0},
+    {"pawn of the sixth row", "r3k3/8/P7/8/8/8/8/1K5R", LOSE_FAR_PAWN, "Kb1-b2 Ra8:a6", 1},
+    {"any pawn", "r3k3/8/8/P7/8/8/8/1K5R", LOSE_PAWN, "Kb1-b2 Ra8:a5", 1},
     {"no pawn", "r3k3/8/P7/8/8/8/8/1K5R", "SH_DONTLOSEANYFIGURES", "Kb1-b2 Ra8:a6", 0},
 
-    {"rook along the line", "k7/8/4r3/8/8/8/7Q/K7", "SH_KEYLINE(E)", "Ka1-b1 Re6-e4", 1},
-    {"queen along the line", "k7/8/4q3/8/8/8/7Q/K7", "SH_KEYLINE(E)", "Ka1-b1 Qe6-e4", 1},
-    {"rook off the line", "k7/8/4r3/8/8/8/7Q/K7", "SH_KEYLINE(E)", "Ka1-b1 Re6-d6", 0},
-    {"rook onto the line", "k7/8/3r4/8/8/8/7Q/K7", "SH_KEYLINE(E)", "Ka1-b1 Rd6-e6", 0},
-    {"pawn on the line", "k7/4p3/8/8/8/8/7Q/K7", "SH_KEYLINE(E)", "Ka1-b1 e7-e5", 0},
-    {"bishop on the diagonal", "k7/8/5b2/8/8/8/7Q/4K3", "SH_KEYDIAGONAL(A1-H8)", "Ke1-d1 Bf6-g7",
-     1},
-    {"bishop off the diagonal", "k7/8/5b2/8/8/8/7Q/4K3", "SH_KEYDIAGONAL(A1-H8)", "Ke1-d1 Bf6-e7",
-     0},
+    {"rook along the line", "k7/8/4r3/8/8/8/7Q/K7", LINE_E, "Ka1-b1 Re6-e4", 1},
+    {"queen along the line", "k7/8/4q3/8/8/8/7Q/K7", LINE_E, "Ka1-b1 Qe6-e4", 1},
+    {"rook off the line", "k7/8/4r3/8/8/8/7Q/K7", LINE_E, "Ka1-b1 Re6-d6", 0},
+    {"rook onto the line", "k7/8/3r4/8/8/8/7Q/K7", LINE_E, "Ka1-b1 Rd6-e6", 0},
+    {"pawn on the line", "k7/4p3/8/8/8/8/7Q/K7", LINE_E, "Ka1-b1 e7-e5", 0},
+    {"bishop on the diagonal", "k7/8/5b2/8/8/8/7Q/4K3", DIAGONAL, "Ke1-d1 Bf6-g7", 1},
+    {"bishop off the diagonal", "k7/8/5b2/8/8/8/7Q/4K3", DIAGONAL, "Ke1-d1 Bf6-e7", 0},
 
-    {"pawn's single step", "k7/4p3/8/8/8/8/2Q5/1K6", "SH_DONTLETFIGUREUNBLOCK(EFF,E7)",
-     "Kb1-a1 e7-e6", 0},
-    {"pawn's double step", "k7/4p3/8/8/8/8/2Q5/1K6", "SH_DONTLETFIGUREUNBLOCK(EFF,E7)",
-     "Kb1-a1 e7-e5", 1},
-    {"rook goes two squares", "k6r/8/8/8/8/8/2Q5/1K6", "SH_DONTLETFIGUREUNBLOCK(EFF,H8)",
-     "Kb1-a1 Rh8-h6", 1},
-    {"rook goes en prise", "k6r/8/8/8/8/8/3Q4/1K6", "SH_DONTLETFIGUREUNBLOCK(EFF,H8)",
-     "Kb1-a1 Rh8-h6", 0},
-    {"rook lets mate", "k6r/2K5/8/8/8/1Q6/8/8", "SH_DONTLETFIGUREUNBLOCK(EFF,H8)", "Qb3-b4 Rh8-h6",
-     0},
+    {"pawn's single step", "k7/4p3/8/8/8/8/2Q5/1K6", STAY_E7, "Kb1-a1 e7-e6", 0},
+    {"pawn's double step", "k7/4p3/8/8/8/8/2Q5/1K6", STAY_E7, "Kb1-a1 e7-e5", 1},
+    {"rook goes two squares", "k6r/8/8/8/8/8/2Q5/1K6", STAY_H8, "Kb1-a1 Rh8-h6", 1},
+    {"rook goes en prise", "k6r/8/8/8/8/8/3Q4/1K6", STAY_H8, "Kb1-a1 Rh8-h6", 0},
+    {"rook lets mate", "k6r/2K5/8/8/8/1Q6/8/8", STAY_H8, "Qb3-b4 Rh8-h6", 0},
     {"listed figure captured", "k6r/8/5b2/8/3n4/8/1Q3Q2/1K6", "SH_DONTLETFIGUREUNBLOCK(EFF,D4)",
      "Qf2:d4 Bf6:d4", 0},
 
-    {"key figure captured", "kn2R3/pp6/8/7b/8/8/8/K7", "SH_KEYWHITEFIGURE(E8)", "Ka1-b1 Bh5:e8", 1},
-    {"comes between", "kn2R3/pp6/8/8/7b/8/8/K7", "SH_KEYWHITEFIGURE(E8)", "Ka1-b1 Bh4-d8", 1},
-    {"goes elsewhere", "kn2R3/pp6/8/8/7b/8/8/K7", "SH_KEYWHITEFIGURE(E8)", "Ka1-b1 Bh4-g3", 0},
+    {"key figure captured", "kn2R3/pp6/8/7b/8/8/8/K7", KEY_E8, "Ka1-b1 Bh5:e8", 1},
+    {"comes between", "kn2R3/pp6/8/8/7b/8/8/K7", KEY_E8, "Ka1-b1 Bh4-d8", 1},
+    {"goes elsewhere", "kn2R3/pp6/8/8/7b/8/8/K7", KEY_E8, "Ka1-b1 Bh4-g3", 0},
 
     {"queen goes free", "k7/8/4q3/8/8/8/7R/K7", "SH_SEASNAKE", "Ka1-b1 Qe6-d6", 1},
     {"queen stands attacked", "k7/8/4q3/8/8/8/7R/K7", "SH_SEASNAKE", "Ka1-b1 Qe6-h6", 0},

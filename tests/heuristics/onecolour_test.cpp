@@ -1,12 +1,10 @@
-#include "chess/fen.h"
 #include "heuristics/differential.h"
 #include "heuristics/onecolour.h"
 #include "heuristics/themedpositions.h"
 #include "search/nodes.h"
 #include "search/plainsearch.h"
-#include "search/rootsetup.h"
-
-#include <gtest/gtest.h>
+#include "support/chesstest.h"
+#include "support/taskrequest.h"
 
 #include <set>
 
@@ -16,23 +14,14 @@ namespace
 {
 
 /// A position as the root of a search without heuristics, in the last pass.
-struct TGame
+struct TGame : TThreadPosition
 {
     TGame(const TChessboard& position, int nMate)
-        : context(2 * nMate), board(*request.m_pChessboard)
+        : TThreadPosition(position, 2 * nMate - 1, 2 * nMate - 1)
     {
-        board = position;
         request.SetMateIn(nMate);
         request.m_nMinRegisterPlies = 0;
-        board.m_pRequest = &request;
-        board.m_pParent = nullptr;
-        PutOnThread(board, context);
-        board.m_nPass = PASS_WITHOUT_HEURISTICS;
     }
-
-    TSolveRequest request;
-    TThreadContext context;
-    TChessboard& board;
 };
 
 bool MatesPlainly(const TChessboard& position, int nMate)
@@ -94,8 +83,7 @@ TEST(OneColourPlay, AMateWithoutTheBishopHoldsWhereverItStands)
 TEST(OneColourPlay, APassAloneIsStalemateWhereTheBishopMayHaveNoMove)
 {
     const auto standsForMove = [](const char* pFen) {
-        TChessboard board;
-        EXPECT_TRUE(ReadFen(board, pFen));
+        TChessboard board = BoardOf(pFen);
         EXPECT_TRUE(CanShutOutBishop(board));
         ShutOutBishop(board);
         return StandsForMove(board);
@@ -108,8 +96,7 @@ TEST(OneColourPlay, APassAloneIsStalemateWhereTheBishopMayHaveNoMove)
 /// where no such bishop is meant.
 TEST(OneColourPlay, APromotedLineFigureIsNoMan)
 {
-    TChessboard board;
-    ASSERT_TRUE(ReadFen(board, "2r4k/1P6/6K1/8/8/8/8/1N3B2"));
+    TChessboard board = BoardOf("2r4k/1P6/6K1/8/8/8/8/1N3B2");
     EXPECT_TRUE(MatesPlainly(board, 1));
     board.m_moveFilter |= TChessboard::FILTER_WHITE_SQUARES_ONLY;
     EXPECT_FALSE(MatesPlainly(board, 1));

@@ -1,42 +1,13 @@
-#include "chess/fen.h"
 #include "heuristics/positionanalysis.h"
 #include "heuristics/setreader.h"
 #include "search/hooks.h"
-#include "search/rootsetup.h"
-#include "search/solve.h"
-#include "support/data.h"
-#include "support/slowchess.h"
-
-#include <gtest/gtest.h>
-
-#include <cstring>
+#include "support/chesstest.h"
+#include "support/taskrequest.h"
 
 namespace corvina
 {
 namespace
 {
-
-/// A root that is ready to be analysed.
-struct TAnalysedTask
-{
-    TAnalysedTask(const TChessboard& board, int nMate)
-    {
-        m_root = board;
-        m_request.SetMateIn(nMate);
-        m_root.m_pRequest = &m_request;
-        m_root.CheckStartPosition(m_request.m_nRequestedMoves, true);
-    }
-
-    TSolveRequest m_request;
-    TChessboard& m_root = *m_request.m_pChessboard;
-};
-
-TChessboard BoardOf(const char* pFen)
-{
-    TChessboard board;
-    EXPECT_TRUE(ReadFen(board, pFen)) << pFen;
-    return board;
-}
 
 TChessboard PositionOf(std::mt19937& random, int i)
 {
@@ -45,12 +16,12 @@ TChessboard PositionOf(std::mt19937& random, int i)
 
 TPositionAnalysis AnalyseFen(const char* pFen, int nMate)
 {
-    const TAnalysedTask task(BoardOf(pFen), nMate);
+    const TRootTask task(BoardOf(pFen), nMate);
     return CheckPositionType(task.m_root);
 }
 
 /// What a search thread would find changed.
-std::vector<std::uint8_t> BytesOf(const TAnalysedTask& task, TThreadContext& context)
+std::vector<std::uint8_t> BytesOf(const TRootTask& task, TThreadContext& context)
 {
     std::vector<std::uint8_t> vecBytes;
     const auto add = [&](const void* p, std::size_t nSize) {
@@ -82,7 +53,7 @@ TEST(PositionAnalysis, LeavesNoTraceAndAnswersAlike)
     std::mt19937 random(21);
     std::size_t nTrials = 0;
     for (int i = 0; i < 300; ++i) {
-        TAnalysedTask task(PositionOf(random, i), 6 + i % 12);
+        TRootTask task(PositionOf(random, i), 6 + i % 12);
         task.m_request.m_bSafeMode = i % 2;
         task.m_request.m_bUseRegister = i % 3;
         task.m_request.OnPositionAnalysed = [](const TChessboard*, const TThreadContext&) {
@@ -134,7 +105,7 @@ TEST(PositionAnalysis, SetsAreReadableAndRelaxToTheirEnd)
     std::uint32_t nSeen = 0;
     for (int i = 0; i < 400; ++i) {
         const bool bRare = i < static_cast<int>(std::size(aRare));
-        TAnalysedTask task(bRare ? BoardOf(aRare[i]) : PositionOf(random, i), 6 + i % 30);
+        TRootTask task(bRare ? BoardOf(aRare[i]) : PositionOf(random, i), 6 + i % 30);
         TakeUpAnalysis(CheckPositionType(task.m_root), task.m_root);
         TakeUpHeuristics(task.m_root);
         EXPECT_EQ(task.m_root.m_nHeuristics & ~IMPLEMENTED_HEURISTICS, 0u);
@@ -145,7 +116,7 @@ TEST(PositionAnalysis, SetsAreReadableAndRelaxToTheirEnd)
         PutOnThread(task.m_root, context);
         const std::string strSet = GetHeuristicsText(task.m_root, false);
 
-        TAnalysedTask again(task.m_root, 6 + i % 30);
+        TRootTask again(task.m_root, 6 + i % 30);
         ReadHeuristicsText(strSet, again.m_request.m_heuristicSet, &again.m_root);
         CopyWhatNoTextTells(task.m_request.m_heuristicSet, again.m_request.m_heuristicSet);
         TakeUpHeuristics(again.m_root);
@@ -195,28 +166,10 @@ TEST(PositionAnalysis, NotesWhatThePositionIs)
 
 TEST(PositionAnalysis, AStopOfTheRunEndsIt)
 {
-    TChessboard board;
-    ASSERT_TRUE(ReadFen(board, "2b5/n1Kp4/2pNp3/1p1kp3/4N3/p1P1P3/P3P3/8"));
-    TAnalysedTask task(board, 12);
+    TRootTask task(BoardOf("2b5/n1Kp4/2pNp3/1p1kp3/4N3/p1P1P3/P3P3/8"), 12);
     EXPECT_FALSE(CheckPositionType(task.m_root).m_vecTrials.empty());
     task.m_request.SetStopState(TStopBlock::STOP, TStopBlock::ALL_THREADS);
     EXPECT_TRUE(CheckPositionType(task.m_root).m_vecTrials.empty());
-}
-
-/// All solutions; what earlier runs have learnt doesn't help.
-TSolveOutcome SolveTask(const TChessboard& board, int nMate, bool bAnalyse, std::string& strFirst)
-{
-    TSolveRequest request;
-    *request.m_pChessboard = board;
-    request.SetMateIn(nMate);
-    request.m_bAnalyse = bAnalyse;
-    request.OnPassEnd = [&](const TPassReport& report) {
-        if (report.m_strName == "1")
-            strFirst = report.m_strSet;
-    };
-    TRunSettings settings;
-    settings.m_bQuickMode = nMate % 2 == 0;
-    return Solve(request, settings);
 }
 
 TEST(PositionAnalysis, RunsHaveTheSameSolutions)
@@ -224,15 +177,18 @@ TEST(PositionAnalysis, RunsHaveTheSameSolutions)
     std::mt19937 random(23);
     int nWithSet = 0, nSolved = 0;
     for (int i = 0; i < 30; ++i) {
-        const TChessboard board = RandomPosition(random, 3 + i % 3);
+        TTaskRequest request(RandomPosition(random, 3 + i % 3), 6);
+        const auto vecExpected = SortedTexts(SolutionsOf(*request.m_pChessboard, 6));
         std::string strSet;
-        const TSolveOutcome plain = SolveTask(board, 6, false, strSet);
-        ASSERT_EQ(strSet, "");
-        const TSolveOutcome chosen = SolveTask(board, 6, true, strSet);
-        EXPECT_EQ(SortedTexts(chosen.m_vecSolutions), SortedTexts(plain.m_vecSolutions))
-            << WriteFen(board, true) << " " << strSet;
+        request.m_bAnalyse = true;
+        request.OnPassEnd = [&](const TPassReport& report) {
+            if (report.m_strName == "1")
+                strSet = report.m_strSet;
+        };
+        EXPECT_EQ(SortedTexts(Solve(request, {}).m_vecSolutions), vecExpected)
+            << WriteFen(*request.m_pChessboard, true) << " " << strSet;
         nWithSet += !strSet.empty();
-        nSolved += !plain.m_vecSolutions.empty();
+        nSolved += !vecExpected.empty();
     }
     EXPECT_GT(nWithSet, 12);
     EXPECT_GT(nSolved, 2);

@@ -1,29 +1,16 @@
-#include "chess/fen.h"
-#include "chess/notation.h"
 #include "heuristics/differential.h"
 #include "heuristics/positionanalysis.h"
 #include "heuristics/predefined.h"
 #include "heuristics/randomsets.h"
 #include "heuristics/unblock.h"
 #include "search/hooks.h"
-#include "search/solve.h"
-#include "support/data.h"
-#include "support/positions.h"
-#include "support/slowchess.h"
-
-#include <gtest/gtest.h>
+#include "support/chesstest.h"
+#include "support/taskrequest.h"
 
 namespace corvina
 {
 namespace
 {
-
-TChessboard BoardOf(const std::string& strFen)
-{
-    TChessboard board;
-    EXPECT_TRUE(ReadFen(board, strFen)) << strFen;
-    return board;
-}
 
 /// A board on which settings are applied; eight pawns and more figures of Black.
 struct TSettings : TSetPosition
@@ -174,62 +161,32 @@ TEST(Predefined, FiguresListedAtTheRoot)
     EXPECT_EQ(TryRelaxSpecialHeuristics(position.board), 0) << "nothing has left its place";
 }
 
-TEST(Predefined, NoRowForAPositionThatDiffersInOneSquare)
-{
-    const TPredefinedTables& tables = PredefinedTables();
-    int nSquares = 0;
-    for (const auto& [strFen, vecTexts] : tables.m_predefinedLines) {
-        TChessboard board = BoardOf(strFen);
-        EXPECT_TRUE(tables.Has(board));
-        for (TFigure& figure : board.m_board) {
-            if (figure == NO_FIGURE || (figure & KIND_MASK) == KIND_KING)
-                continue;
-            const TFigure before = std::exchange(figure, NO_FIGURE);
-            EXPECT_FALSE(tables.Has(board)) << strFen;
-            figure = before;
-            ++nSquares;
-        }
-    }
-    EXPECT_GT(nSquares, 1000);
-}
-
 /// What the analysis of a position chooses with tables, or without.
 TPositionAnalysis Analyse(const std::string& strFen, const TPredefinedTables* pTables,
                           std::vector<std::string>* pMessages = nullptr)
 {
-    TSolveRequest request;
-    TChessboard& root = *request.m_pChessboard;
-    root = BoardOf(strFen);
-    request.SetMateIn(8);
-    root.m_pRequest = &request;
-    root.CheckStartPosition(request.m_nRequestedMoves, true);
+    TRootTask task(BoardOf(strFen), 8);
+    TSolveRequest& request = task.m_request;
     request.m_pPredefinedTables = pTables;
     if (pMessages)
         request.OnMessage = [&](const std::string& strText) { pMessages->push_back(strText); };
-    const TPositionAnalysis analysis = CheckPositionType(root);
+    const TPositionAnalysis analysis = CheckPositionType(task.m_root);
     EXPECT_FALSE(request.m_bSafeMode);
     return analysis;
 }
 
 TEST(Predefined, TheAnalysisEndsWithThem)
 {
-    constexpr std::uint32_t KING_FORMS =
-        SH_KEEPKINGONTHEEDGE | SH_KEEPKINGWITHINEXTEDGE | SH_ASSERTBLACKKINGSURROUNDED;
     for (const auto& [strFen, vecTexts] : PredefinedTables().m_predefinedHeuristics) {
         const TPositionAnalysis without = Analyse(strFen, nullptr);
         const TPositionAnalysis with = Analyse(strFen, &PredefinedTables());
-        const bool bListed = vecTexts[0].starts_with("DLFU");
-        const std::uint32_t nForm = vecTexts[0].starts_with("AssertBKS")
-                                        ? SH_ASSERTBLACKKINGSURROUNDED
-                                    : vecTexts[0] == "ExtEdge"         ? SH_KEEPKINGWITHINEXTEDGE
-                                    : vecTexts[0] == "DontLetKingMove" ? SH_KEEPKINGONTHEEDGE
-                                                                       : 0;
-        if (nForm) {
-            EXPECT_EQ(with.m_set.m_nHeuristics & KING_FORMS, nForm) << strFen;
-            EXPECT_EQ(with.m_set.m_nHeuristics & ~KING_FORMS,
-                      without.m_set.m_nHeuristics & ~KING_FORMS);
-        }
-        EXPECT_TRUE(!bListed || (with.m_set.m_nHeuristics & SH_DONTLETFIGUREUNBLOCK)) << strFen;
+        // The same, applied to what the analysis chooses by itself.
+        TSetPosition position(BoardOf(strFen), 15);
+        position.Apply(without.m_set);
+        TPredefinedRun run;
+        for (const std::string& strText : vecTexts)
+            ApplyPredefinedSetting(strText, position.board, run);
+        EXPECT_EQ(with.m_set.m_nHeuristics, position.board.m_nHeuristics) << strFen;
         EXPECT_TRUE(vecTexts[0] != "SafeMode" || with.m_bSafeMode) << strFen;
         EXPECT_EQ(with.m_shLookForQuickerMateDepth.has_value(),
                   vecTexts.back().starts_with("LFQMDepth"))
@@ -251,9 +208,7 @@ TEST(Predefined, TheAnalysisEndsWithThem)
 TEST(Predefined, TheDepthOfTheShortMateEndsWithTheRun)
 {
     constexpr const char* POSITION = "8/8/8/8/6R1/2B2p1K/5b2/7k";
-    TSolveRequest request;
-    *request.m_pChessboard = BoardOf(POSITION);
-    request.SetMateIn(6);
+    TTaskRequest request(BoardOf(POSITION), 6);
     request.m_bAnalyse = true;
     TRunSettings settings;
     const auto depthAfterRun = [&](bool bUse) {

@@ -1,14 +1,8 @@
-#include "chess/fen.h"
-#include "chess/notation.h"
 #include "heuristics/predefined.h"
 #include "platform/watchdog.h"
-#include "search/solve.h"
 #include "search/verify.h"
-#include "support/data.h"
-#include "support/positions.h"
-#include "support/slowchess.h"
-
-#include <gtest/gtest.h>
+#include "support/chesstest.h"
+#include "support/taskrequest.h"
 
 #include <atomic>
 #include <chrono>
@@ -27,8 +21,7 @@ auto CountMen(const TChessboard& board)
 /// A position with White to move, from which a problem may start.
 TChessboard StartOf(const std::string& strFen)
 {
-    TChessboard board;
-    EXPECT_TRUE(ReadFen(board, strFen)) << strFen;
+    TChessboard board = BoardOf(strFen);
     EXPECT_EQ(WriteFen(board, true), strFen) << "a look-up would never find it";
     EXPECT_EQ(FailureText([&] { board.CheckStartPosition(1, true); }), "") << strFen;
     return board;
@@ -80,13 +73,12 @@ struct TPlayedLine
         for (const TMove& legal : position.LegalMoves()) {
             if (!IsSameMove(legal, move))
                 continue;
-            TSlowPosition next = position;
-            next.Play(legal);
+            const TSlowPosition next = position.After(legal);
             m_vecMoves.push_back(legal);
             m_vecPositions.push_back(next);
-            const bool bCheck = next.InCheck(next.m_toMove);
-            const bool bMate = bCheck && next.LegalMoves().empty();
-            const std::string strMark = bMate ? "#" : bCheck ? "+" : "";
+            const std::string strMark = next.IsMate()                 ? "#"
+                                        : next.InCheck(next.m_toMove) ? "+"
+                                                                      : "";
             if (m_vecMoves.size() % 2) {
                 EXPECT_EQ(strWord.substr(strMove.size()), strMark) << strText;
             }
@@ -98,8 +90,7 @@ struct TPlayedLine
     bool EndsInMate() const
     {
         const TSlowPosition& last = m_vecPositions.back();
-        return last.m_toMove == EColour::Black && last.InCheck(EColour::Black) &&
-               last.LegalMoves().empty();
+        return last.m_toMove == EColour::Black && last.IsMate();
     }
 
     std::vector<TMove> m_vecMoves;
@@ -145,12 +136,10 @@ TEST(PredefinedTables, KeysHoldAgainstEveryDefence)
             continue;
         ++nLines;
         const TPlayedLine line(strFen, vecTexts.front());
-        TSolveRequest request;
-        *request.m_pChessboard = StartOf(strFen);
-        request.SetMateIn(static_cast<int>(line.m_vecMoves.size()) / 2 + 2);
+        TTaskRequest request(StartOf(strFen), static_cast<int>(line.m_vecMoves.size()) / 2 + 2);
         request.m_bAnalyse = request.m_bProofSearch = true;
-        TRunSettings settings;
-        settings.m_bStopAtFirstSolution = settings.m_bUsePredefinedSettings = true;
+        const TRunSettings settings{
+            .m_bStopAtFirstSolution = true, .m_bUsePredefinedSettings = true, .m_overrides = {}};
         TSolveOutcome outcome;
         if (!RunWithin(LIMIT, request, [&] { outcome = Solve(request, settings); }))
             continue;

@@ -1,6 +1,7 @@
 #include "heuristics/randomsets.h"
 
 #include "heuristics/heuristicbits.h"
+#include "heuristics/setreader.h"
 #include "search/hooks.h"
 
 namespace corvina
@@ -42,6 +43,13 @@ void TSetPosition::Apply(const THeuristicSet& set)
     static_cast<THeuristicsParams&>(context) = set.m_params;
     ApplyToRoot(set, board);
     board.m_nHeuristicsParams = ComputeHeurParams(board);
+}
+
+void TSetPosition::Apply(const std::string& strSet)
+{
+    THeuristicSet set;
+    ReadHeuristicsText(strSet, set, &board);
+    Apply(set);
 }
 
 THeuristicSet RandomTellableSet(std::mt19937& random, const TChessboard& board)

@@ -6,6 +6,7 @@
 #include "search/threadcontext.h"
 
 #include <random>
+#include <string>
 
 namespace corvina
 {
@@ -19,6 +20,7 @@ struct TSetPosition
     explicit TSetPosition(const TChessboard& position, int nHalfMoves = 41);
 
     void Apply(const THeuristicSet& set);
+    void Apply(const std::string& strSet);
 
     TSolveRequest request;
     TThreadContext context{60};

@@ -3,16 +3,11 @@
 #include "heuristics/randomsets.h"
 #include "heuristics/relaxlog.h"
 #include "heuristics/relaxplan.h"
-#include "heuristics/setreader.h"
 #include "platform/appfolder.h"
 #include "search/hooks.h"
-#include "support/data.h"
-#include "support/positions.h"
+#include "support/chesstest.h"
 #include "support/temporaryfolder.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
 #include <cstring>
 
 namespace corvina
@@ -84,50 +79,41 @@ TEST(Relaxation, OfAnySetEndsAsPlanned)
     EXPECT_GT(nTimeDependent, 50);
 }
 
+/// The sets as the passes have them: "*" in front behind time; "-": what the pass before has,
+/// without this text.
 struct TPlanCase
 {
     const char* m_pFen;
-    int m_nHalfMoves;
-    std::vector<const char*> m_vecSets; ///< as the passes have them, with "*" in front behind time
+    std::vector<std::string> m_vecSets;
     void (*m_prepare)(TSetPosition&) = [](TSetPosition&) {};
+    int m_nHalfMoves = 41;
 };
 
 const char* LONE_ROOK = "k7/8/8/8/8/8/5bnr/1R1K4";
-const char* WALLED_KING = "6rk/6pp/8/8/8/8/8/K2N3R";
 const char* THREE_FIGURES = "8/8/2k5/8/8/8/8/1K1RBN2";
 
+const auto g_bareKing = [](TSetPosition& t) {
+    t.board.m_nPositionFlags |= TChessboard::POSITION_BAREBLACKKING;
+};
+
 const TPlanCase g_aPlans[] = {
-    {LONE_ROOK, 41, {"SH_3MOVESTOMATE"}},
-    {LONE_ROOK, 41, {"SH_AREKINGSNEAR, SH_3MOVESTOMATE", "SH_3MOVESTOMATE"}},
+    {LONE_ROOK, {"SH_3MOVESTOMATE"}},
+    {LONE_ROOK, {"SH_AREKINGSNEAR, SH_3MOVESTOMATE", "-SH_AREKINGSNEAR, "}},
     // One after the other, and what no step knows goes with the last.
     {LONE_ROOK,
-     41,
      {"SH_AREKINGSNEAR, SH_SWEEPINGWHITEROOK, SH_DONTRECEDEBLACKKING, SH_SAVEQUEEN/ROOK, "
       "SH_DONTLOSEANYFIGURES, SH_DONTLETBLACKQUEENCHECKTWICE, "
       "SH_ASSERTBLACKKINGSURROUNDED(strict), "
       "SH_SINGLEQUEENMATE, SH_KEEPKINGNEARCORNER(3S), SH_ZUGZWANG",
-      "SH_AREKINGSNEAR, SH_DONTRECEDEBLACKKING, SH_SAVEQUEEN/ROOK, SH_DONTLOSEANYFIGURES, "
-      "SH_DONTLETBLACKQUEENCHECKTWICE, SH_ASSERTBLACKKINGSURROUNDED(strict), SH_SINGLEQUEENMATE, "
-      "SH_KEEPKINGNEARCORNER(3S), SH_ZUGZWANG",
-      "SH_AREKINGSNEAR, SH_DONTRECEDEBLACKKING, SH_SAVEQUEEN/ROOK, SH_DONTLOSEANYFIGURES, "
-      "SH_DONTLETBLACKQUEENCHECKTWICE, SH_ASSERTBLACKKINGSURROUNDED(strict), SH_SINGLEQUEENMATE, "
-      "SH_KEEPKINGNEARCORNER(3S)",
-      "SH_AREKINGSNEAR, SH_DONTRECEDEBLACKKING, SH_SAVEQUEEN/ROOK, SH_DONTLOSEANYFIGURES, "
-      "SH_DONTLETBLACKQUEENCHECKTWICE, SH_ASSERTBLACKKINGSURROUNDED(strict), SH_SINGLEQUEENMATE",
-      "SH_AREKINGSNEAR, SH_DONTRECEDEBLACKKING, SH_SAVEQUEEN/ROOK, SH_DONTLOSEANYFIGURES, "
-      "SH_DONTLETBLACKQUEENCHECKTWICE, SH_ASSERTBLACKKINGSURROUNDED(strict)",
-      "SH_AREKINGSNEAR, SH_DONTRECEDEBLACKKING, SH_SAVEQUEEN/ROOK, SH_DONTLOSEANYFIGURES, "
-      "SH_DONTLETBLACKQUEENCHECKTWICE, SH_ASSERTBLACKKINGSURROUNDED",
-      "SH_AREKINGSNEAR, SH_DONTRECEDEBLACKKING, SH_SAVEQUEEN/ROOK, SH_DONTLOSEANYFIGURES, "
-      "SH_DONTLETBLACKQUEENCHECKTWICE",
-      "SH_AREKINGSNEAR, SH_DONTRECEDEBLACKKING, SH_SAVEQUEEN/ROOK, SH_DONTLETBLACKQUEENCHECKTWICE",
-      "SH_AREKINGSNEAR, SH_DONTRECEDEBLACKKING, SH_SAVEQUEEN/ROOK",
-      "SH_AREKINGSNEAR, SH_DONTRECEDEBLACKKING", "SH_DONTRECEDEBLACKKING"}},
+      "-SH_SWEEPINGWHITEROOK, ", "-, SH_ZUGZWANG", "-, SH_KEEPKINGNEARCORNER(3S)",
+      "-, SH_SINGLEQUEENMATE", "-(strict)", "-, SH_ASSERTBLACKKINGSURROUNDED",
+      "-SH_DONTLOSEANYFIGURES, ", "-, SH_DONTLETBLACKQUEENCHECKTWICE", "-, SH_SAVEQUEEN/ROOK",
+      "-SH_AREKINGSNEAR, "}},
     // The list is off for one pass and comes back; the edge becomes the two outer rings, and with
     // one free square the surround heuristic follows.
     {LONE_ROOK,
-     41,
-     {"SH_DONTLETKINGMOVE, SH_DONTLETFIGUREUNBLOCK(F2,G2,H2)", "SH_DONTLETKINGMOVE",
+     {"SH_DONTLETKINGMOVE, SH_DONTLETFIGUREUNBLOCK(F2,G2,H2)",
+      "-, SH_DONTLETFIGUREUNBLOCK(F2,G2,H2)",
       "SH_KEEPKINGONTHEEDGE, SH_DONTLETFIGUREUNBLOCK(F2,G2,H2)",
       "SH_KEEPKINGONTHEEDGE, SH_DONTLETFIGUREUNBLOCK(EFF,F2,G2,H2)",
       "SH_KEEPKINGWITHINEXTEDGE, SH_DONTLETFIGUREUNBLOCK(EFF,F2,G2,H2)",
@@ -135,7 +121,6 @@ const TPlanCase g_aPlans[] = {
       "SH_ASSERTBLACKKINGSURROUNDED (CannotApplyDLFUDynamically)"}},
     // Figures that broke the list leave it before it goes as a whole.
     {LONE_ROOK,
-     41,
      {"SH_AREKINGSNEAR, SH_DONTLETFIGUREUNBLOCK(F2,G2,H2)",
       "SH_AREKINGSNEAR, SH_DONTLETFIGUREUNBLOCK(H2,G2)",
       "SH_AREKINGSNEAR (CannotApplyDLFUDynamically)"},
@@ -145,58 +130,50 @@ const TPlanCase g_aPlans[] = {
          t.context.m_unblockViolators[0] = MakeSquare(5, 1);
      }},
     {"k7/8/8/8/8/8/5nqp/1R1K4",
-     41,
      {"SH_DONTLETFIGUREUNBLOCK(EFF,F2,H2,G2), SH_KEYSQUARE",
       "SH_DONTLETFIGUREUNBLOCK(EFF,G2,H2), SH_KEYSQUARE",
       "SH_KEYSQUARE (CannotApplyDLFUDynamically)"}},
     // The key figure and the list take turns.
-    {WALLED_KING,
-     41,
-     {"SH_DONTLETKINGMOVE, SH_DONTLETFIGUREUNBLOCK(G8), SH_KEYWHITEFIGURE",
-      "SH_DONTLETKINGMOVE, SH_DONTLETFIGUREUNBLOCK(G8)", "SH_DONTLETKINGMOVE, SH_KEYWHITEFIGURE",
-      "SH_KEEPKINGONTHEEDGE, SH_DONTLETFIGUREUNBLOCK(G8)",
+    {"6rk/6pp/8/8/8/8/8/K2N3R",
+     {"SH_DONTLETKINGMOVE, SH_DONTLETFIGUREUNBLOCK(G8), SH_KEYWHITEFIGURE", "-, SH_KEYWHITEFIGURE",
+      "SH_DONTLETKINGMOVE, SH_KEYWHITEFIGURE", "SH_KEEPKINGONTHEEDGE, SH_DONTLETFIGUREUNBLOCK(G8)",
       "SH_KEEPKINGONTHEEDGE, SH_DONTLETFIGUREUNBLOCK(EFF,G8)",
       "SH_KEEPKINGWITHINEXTEDGE, SH_DONTLETFIGUREUNBLOCK(EFF,G8)",
       "SH_KEEPKINGWITHINEXTEDGE (CannotApplyDLFUDynamically)",
       "SH_ASSERTBLACKKINGSURROUNDED (CannotApplyDLFUDynamically)"}},
     // All squares but one are Black's own: the king may move under exceptions first.
     {"6rk/6p1/8/8/8/8/8/K1RN4",
-     41,
      {"SH_DONTLETKINGMOVE", "SH_DONTLETKINGMOVE(excptns)", "SH_ASSERTBLACKKINGSURROUNDED"},
      [](TSetPosition& t) { t.context.m_bSurroundAfterExceptions = true; }},
     {"k7/8/8/8/8/8/7Q/K5N1",
-     41,
      {"SH_DONTLETKINGMOVE", "SH_KEEPKINGONTHEEDGE(incl.corner)", "SH_ASSERTBLACKKINGSURROUNDED"},
      [](TSetPosition& t) { t.context.m_nMovableBlackFigures = 2; }},
     // In the middle of the board nothing comes in the place of the edge.
-    {"8/8/8/3k4/8/8/8/K6R", 41, {"SH_KEEPKINGONTHEEDGE"}},
-    {"8/8/8/3k4/8/8/8/K6R", 41, {"SH_DONTLETKINGMOVE", "SH_ASSERTBLACKKINGSURROUNDED"}},
+    {"8/8/8/3k4/8/8/8/K6R", {"SH_KEEPKINGONTHEEDGE"}},
+    {"8/8/8/3k4/8/8/8/K6R", {"SH_DONTLETKINGMOVE", "SH_ASSERTBLACKKINGSURROUNDED"}},
     // Against a bare king lost figures come first, unless a few minor figures need one another.
     {THREE_FIGURES,
-     41,
-     {"SH_DONTLOSEANYFIGURES, SH_ASSERTBLACKKINGSURROUNDED", "SH_ASSERTBLACKKINGSURROUNDED"},
-     [](TSetPosition& t) { t.board.m_nPositionFlags |= TChessboard::POSITION_BAREBLACKKING; }},
+     {"SH_DONTLOSEANYFIGURES, SH_ASSERTBLACKKINGSURROUNDED", "-SH_DONTLOSEANYFIGURES, "},
+     g_bareKing},
     {"8/8/3k4/8/8/8/8/1KB1BN2",
-     41,
      {"SH_DONTLOSEANYFIGURES, SH_ASSERTBLACKKINGSURROUNDED", "SH_DONTLOSEANYFIGURES"},
-     [](TSetPosition& t) { t.board.m_nPositionFlags |= TChessboard::POSITION_BAREBLACKKING; }},
+     g_bareKing},
     // The cycle of the forced mate search.
     {"8/8/2k5/8/8/8/8/1K1RB3",
-     41,
      {"SH_AREKINGSNEAR, SH_FINDFORCEDMATE(#1)", "SH_AREKINGSNEAR, SH_FINDFORCEDMATE(#1+)",
       "SH_AREKINGSNEAR, SH_FINDFORCEDMATE(#2)", "SH_AREKINGSNEAR"},
      [](TSetPosition& t) { t.context.m_nFfmRelaxations = 2; }},
-    {"8/8/2k5/8/8/8/8/1K1RB3", 21, {"SH_FINDFORCEDMATE(#2)", "SH_FINDFORCEDMATE(#2+)"}},
+    {"8/8/2k5/8/8/8/8/1K1RB3",
+     {"SH_FINDFORCEDMATE(#2)", "SH_FINDFORCEDMATE(#2+)"},
+     [](TSetPosition&) {},
+     21},
     {"8/8/2k5/8/8/8/8/1K1Q4",
-     41,
      {"SH_FINDFORCEDMATE(#1)", "SH_FINDFORCEDMATE(#2)"},
      [](TSetPosition& t) { t.context.m_nFfmRelaxations = 1; }},
     {THREE_FIGURES,
-     41,
      {"SH_AREKINGSNEAR, SH_FINDFORCEDMATE(CheckOnly)", "*SH_AREKINGSNEAR, SH_FINDFORCEDMATE(#1+)",
       "*SH_AREKINGSNEAR, SH_FINDFORCEDMATE(#2+)", "SH_AREKINGSNEAR"}},
     {THREE_FIGURES,
-     41,
      {"SH_FINDFORCEDMATE(#2-Preliminary-Custom)", "SH_FINDFORCEDMATE(#2-Custom)",
       "*SH_FINDFORCEDMATE(#2+-Custom)", "SH_FINDFORCEDMATE(#2)", "*SH_FINDFORCEDMATE(#2+)"}},
 };
@@ -204,18 +181,20 @@ const TPlanCase g_aPlans[] = {
 TEST(Relaxation, PlansInWords)
 {
     for (const TPlanCase& test : g_aPlans) {
-        TTestLine line(test.m_pFen, test.m_nHalfMoves);
-        TSetPosition t(line.board, test.m_nHalfMoves);
-        THeuristicSet set;
-        ReadHeuristicsText(test.m_vecSets[0], set, &t.board);
-        t.Apply(set);
+        TSetPosition t(BoardOf(test.m_pFen), test.m_nHalfMoves);
+        t.Apply(test.m_vecSets[0]);
         test.m_prepare(t);
-        std::string strExpected;
+        std::string strExpected, strSet;
         for (std::size_t i = 0; i < test.m_vecSets.size(); ++i) {
             const bool bTime = test.m_vecSets[i][0] == '*';
+            const std::string strText = test.m_vecSets[i].substr(bTime);
+            if (strText[0] == '-')
+                strSet.erase(strSet.find(strText.substr(1)), strText.size() - 1);
+            else
+                strSet = strText;
             strExpected += i == 0 ? "Pass 1: " : "\n\nPass 1" + std::string(1, char('a' + i));
             strExpected += i == 0 ? "" : bTime ? "*: " : ": ";
-            strExpected += test.m_vecSets[i] + bTime;
+            strExpected += strSet;
         }
         if (strExpected.find('*') != std::string::npos)
             strExpected +=
@@ -227,12 +206,10 @@ TEST(Relaxation, PlansInWords)
 
 TEST(Relaxation, SwitchedOffOrBesideTheSet)
 {
-    TTestLine line(LONE_ROOK, 41);
-    TSetPosition t(line.board);
-    THeuristicSet set;
-    ReadHeuristicsText("SH_SEASNAKE, SH_AREKINGSNEAR, SH_ONECOLORPLAYPOSSIBLE(WhiteSquaresOnly)",
-                       set);
-    t.Apply(set);
+    TSetPosition t(BoardOf(LONE_ROOK));
+    const std::string strSet =
+        "SH_SEASNAKE, SH_AREKINGSNEAR, SH_ONECOLORPLAYPOSSIBLE(WhiteSquaresOnly)";
+    t.Apply(strSet);
     t.context.m_bFallbackRequested = true;
     EXPECT_EQ(TryRelaxSpecialHeuristics(t.board), 1);
     EXPECT_TRUE(t.request.m_bSafeMode);
@@ -242,7 +219,7 @@ TEST(Relaxation, SwitchedOffOrBesideTheSet)
     EXPECT_EQ(t.board.m_moveFilter & TChessboard::FILTER_MODE_MASK, 0);
     EXPECT_EQ(t.board.m_nHeuristics, SH_AREKINGSNEAR);
 
-    t.Apply(set);
+    t.Apply(strSet);
     t.context.m_bLetRelax = false;
     EXPECT_EQ(TryRelaxSpecialHeuristics(t.board), 0);
     EXPECT_EQ(t.board.m_nHeuristics, 0U);
@@ -252,11 +229,8 @@ TEST(Relaxation, SwitchedOffOrBesideTheSet)
 
 TEST(Relaxation, WithBlackToMoveFollowsTheParent)
 {
-    TTestLine line(LONE_ROOK, 41);
-    TSetPosition t(line.board);
-    THeuristicSet set;
-    ReadHeuristicsText("SH_AREKINGSNEAR, SH_ZUGZWANG", set);
-    t.Apply(set);
+    TSetPosition t(BoardOf(LONE_ROOK));
+    t.Apply("SH_AREKINGSNEAR, SH_ZUGZWANG");
     TChessboard child = PlayMove(t.board, LegalMoves(t.board)[0]);
     const TChessboard childBefore = child, rootBefore = t.board;
     EXPECT_EQ(ComputeRelaxationPlan(child, false).m_nRelaxations, 1);
@@ -291,16 +265,13 @@ TEST(Relaxation, TimeDecidesOncePerPass)
                             {900, -1, "limit=1000 msec. (additional relaxation accepted)"},
                             {1100, 1, "limit=1000 msec. (additional relaxation refused)"},
                             {5000, 1, nullptr}};
-    TTestLine line(THREE_FIGURES, 41);
     for (const TCase& test : aCases) {
-        TSetPosition t(line.board);
+        TSetPosition t(BoardOf(THREE_FIGURES));
         std::string strNotes;
         t.request.OnLogLine = [&](const std::string& strLine) { strNotes += strLine; };
-        THeuristicSet set;
-        ReadHeuristicsText("SH_FINDFORCEDMATE, SH_AREKINGSNEAR", set);
         const auto now = std::chrono::steady_clock::now();
         t.request.m_tStart = now - std::chrono::milliseconds(test.m_nMilliseconds);
-        t.Apply(set);
+        t.Apply("SH_FINDFORCEDMATE, SH_AREKINGSNEAR");
         EXPECT_EQ(TryRelaxSpecialHeuristics(t.board), test.m_nResult);
         EXPECT_EQ(strNotes.empty(), !test.m_pNote) << strNotes;
         EXPECT_TRUE(!test.m_pNote ||
@@ -308,7 +279,7 @@ TEST(Relaxation, TimeDecidesOncePerPass)
                      strNotes.ends_with(test.m_pNote)))
             << strNotes;
         // Another thread that ends the same pass later gets the same answer.
-        t.Apply(set);
+        t.Apply("SH_FINDFORCEDMATE, SH_AREKINGSNEAR");
         t.request.m_passEndTick.NoteEnd(1, now + std::chrono::hours(1));
         EXPECT_EQ(TryRelaxSpecialHeuristics(t.board), test.m_nResult);
     }
@@ -318,8 +289,7 @@ TEST(Relaxation, Log)
 {
     const std::string strPath = (GetAppFolder() / "TryRelaxSpecialHeuristics.log").string();
     std::filesystem::remove(strPath);
-    TTestLine line(LONE_ROOK, 41);
-    TSetPosition t(line.board);
+    TSetPosition t(BoardOf(LONE_ROOK));
     t.board.m_nHeuristics = SH_AREKINGSNEAR | SH_ZUGZWANG;
     t.context.m_nThreadId = 3;
     SetRelaxationLog(true);
@@ -340,31 +310,25 @@ TEST(Relaxation, EdgeFallback)
     struct TCase
     {
         const char* m_pFen;
-        std::vector<TMove> m_vecMoves; ///< from White's on
+        const char* m_pMoves; ///< from White's on
         bool m_bApplies;
-    };
-    const auto move = [](const char* pText) {
-        return TMove{MakeSquare(pText[0] - 'a', pText[1] - '1'),
-                     MakeSquare(pText[2] - 'a', pText[3] - '1'), 0, 0};
     };
     const TCase aCases[] = {
         // The White king comes in front of the pawn and takes the opposition.
-        {"8/8/8/8/8/1k6/2p5/4K3", {move("e1d2"), move("b3a3"), move("d2c1")}, true},
-        {"8/8/8/8/8/k7/2p5/4K3", {move("e1d2"), move("a3a2"), move("d2c1")}, false},
+        {"8/8/8/8/8/1k6/2p5/4K3", "Kd2 Ka3 Kc1", true},
+        {"8/8/8/8/8/k7/2p5/4K3", "Kd2 Ka2 Kc1", false},
         // Two knights take all squares of a king with a knight.
-        {"8/1k6/2N5/8/8/3N4/8/4K2n", {move("d3c5"), move("b7a8")}, true},
-        {"8/1k6/2N5/8/8/3N4/8/4K1bn", {move("d3c5"), move("b7a8")}, false},
-        {"8/1k6/2N5/8/8/3N4/8/4KR1n", {move("d3c5"), move("b7a8")}, false},
-        {"8/1k6/2N5/8/8/3N4/8/4K2n", {move("d3c5"), move("b7b6")}, false},
-        {"8/1k6/8/8/8/3N4/8/4K1Nn", {move("d3c5"), move("b7a8")}, false},
+        {"8/1k6/2N5/8/8/3N4/8/4K2n", "Nc5 Ka8", true},
+        {"8/1k6/2N5/8/8/3N4/8/4K1bn", "Nc5 Ka8", false},
+        {"8/1k6/2N5/8/8/3N4/8/4KR1n", "Nc5 Ka8", false},
+        {"8/1k6/2N5/8/8/3N4/8/4K2n", "Nc5 Kb6", false},
+        {"8/1k6/8/8/8/3N4/8/4K1Nn", "Nc5 Ka8", false},
     };
     for (const TCase& test : aCases) {
-        TTestLine line(test.m_pFen, 41);
-        TSetPosition t(line.board);
-        TChessboard* pBoard = &t.board;
-        for (const TMove& step : test.m_vecMoves)
-            pBoard = &PlayMove(*pBoard, step);
-        EXPECT_EQ(CanApplyEdgeHeuristicDynamically(*pBoard), test.m_bApplies) << test.m_pFen;
+        TSetPosition t(BoardOf(test.m_pFen));
+        EXPECT_EQ(CanApplyEdgeHeuristicDynamically(*PlayMoves(t.board, test.m_pMoves)),
+                  test.m_bApplies)
+            << test.m_pFen;
     }
 }
 

@@ -1,27 +1,16 @@
 #ifndef CORVINA_TESTS_HEURISTICS_ROOTUNDER_H
 #define CORVINA_TESTS_HEURISTICS_ROOTUNDER_H
 
-#include "chess/fen.h"
-#include "chess/notation.h"
 #include "heuristics/narrowedlists.h"
 #include "heuristics/randomsets.h"
 #include "heuristics/setreader.h"
 #include "search/rootsetup.h"
-#include "support/positions.h"
-
-#include <gtest/gtest.h>
+#include "support/chesstest.h"
 
 #include <set>
 
 namespace corvina
 {
-
-inline TChessboard BoardOf(const char* pFen)
-{
-    TChessboard board;
-    EXPECT_TRUE(ReadFen(board, pFen)) << pFen;
-    return board;
-}
 
 inline TSquare At(const char* pSquare)
 {
@@ -39,13 +28,7 @@ struct TRootUnder
         PutOnThread(t.board, t.context);
     }
 
-    TChessboard& Play(const std::string& strMoves)
-    {
-        TChessboard* pBoard = &t.board;
-        for (const std::string& strMove : Split(strMoves, ' '))
-            pBoard = &PlayMove(*pBoard, ParseMove(*pBoard, strMove));
-        return *pBoard;
-    }
+    TChessboard& Play(const std::string& strMoves) { return *PlayMoves(t.board, strMoves); }
 
     TSetPosition t;
 };

@@ -1,12 +1,9 @@
+#include "heuristics/differential.h"
 #include "heuristics/heuristicbits.h"
 #include "heuristics/positionanalysis.h"
 #include "heuristics/rootunder.h"
 #include "heuristics/seasnake.h"
 #include "heuristics/zugzwangpositions.h"
-#include "search/solve.h"
-#include "support/slowchess.h"
-
-#include <algorithm>
 
 namespace corvina
 {
@@ -154,26 +151,6 @@ TEST(SeaSnake, PawnPromotesWhereThePendulumHasGone)
     }
 }
 
-/// All solutions, in a pass under the set alone or without any.
-struct TSolved
-{
-    TSolved(const TChessboard& board, int nMate, const char* pSet)
-    {
-        TSolveRequest request;
-        *request.m_pChessboard = board;
-        request.SetMateIn(nMate);
-        ReadHeuristicsText(pSet, request.m_heuristicSet, &board);
-        request.m_heuristicSet.m_params.m_bRunPass2 = request.m_heuristicSet.m_nHeuristics == 0;
-        TRunSettings settings;
-        settings.m_bQuickMode = false;
-        m_vecKeys = SortedTexts(Solve(request, settings).m_vecSolutions);
-        m_nPositions = request.m_nPositions;
-    }
-
-    std::vector<std::string> m_vecKeys;
-    std::uint64_t m_nPositions = 0;
-};
-
 TEST(SeaSnake, FindsTheKeysOfALongTaskInAFractionOfThePositions)
 {
     // Mates in five moves, and so in eight; the search without heuristics is measured at seven.
@@ -181,11 +158,12 @@ TEST(SeaSnake, FindsTheKeysOfALongTaskInAFractionOfThePositions)
          {"4K3/4P1p1/7p/3p1pp1/3P1kpr/2pP3p/4P3/5N2", "4K3/4P3/7p/3p1pp1/p2P1kpr/2pP3p/4P3/5N2"})
     {
         const TChessboard board = BoardOf(pFen);
-        const TSolved yardstick(board, 5, "none"), plain(board, 7, "none");
-        const TSolved pass(board, 8, "SH_SEASNAKE");
-        EXPECT_EQ(yardstick.m_vecKeys.size(), 4u);
-        EXPECT_EQ(plain.m_vecKeys, yardstick.m_vecKeys) << pFen;
-        EXPECT_EQ(pass.m_vecKeys, yardstick.m_vecKeys) << pFen;
+        const auto vecKeys = SolveWith(board, 5, "none").m_vecSolutions;
+        const TRunOf plain = SolveWith(board, 7, "none");
+        const TRunOf pass = SolveWith(board, 8, "SH_SEASNAKE", 1, false);
+        EXPECT_EQ(vecKeys.size(), 4u);
+        EXPECT_EQ(plain.m_vecSolutions, vecKeys) << pFen;
+        EXPECT_EQ(pass.m_vecSolutions, vecKeys) << pFen;
         EXPECT_LT(4 * pass.m_nPositions, plain.m_nPositions) << pFen;
     }
 }

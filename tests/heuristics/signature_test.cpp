@@ -1,9 +1,7 @@
 #include "heuristics/heuristicbits.h"
 #include "heuristics/randomsets.h"
 #include "search/hooks.h"
-#include "support/data.h"
-
-#include <gtest/gtest.h>
+#include "support/chesstest.h"
 
 #include <map>
 

@@ -1,8 +1,6 @@
 #include "problems/merge.h"
-#include "support/positions.h"
+#include "support/chesstest.h"
 #include "support/temporaryfolder.h"
-
-#include <gtest/gtest.h>
 
 namespace corvina
 {

@@ -1,7 +1,5 @@
 #include "problems/sortindications.h"
-#include "support/positions.h"
-
-#include <gtest/gtest.h>
+#include "support/chesstest.h"
 
 namespace corvina
 {
@@ -51,22 +49,16 @@ TEST(SortIndications, ListsAndFaults)
     const std::string strLong = "Move description too long (note that moves should be separated "
                                 "with a comma or semicolon)";
     const std::pair<const char*, std::string> aFaults[] = {
-        {"", strInvalid},
-        {"Qa8, ", strInvalid},
-        {"0-1", strInvalid + ": 0-1"},
-        {"Qa9", strInvalid + ": Qa9"},
-        {"i1-a8", strInvalid + ": i1-a8"},
-        {"Qa1-", strInvalid + ": Qa1-"},
-        {"~", strInvalid + ": ~"},
-        {"65536.Qa8", strInvalid + ": 65536.Qa8"},
-        {"e8K", strInvalid + ": e8K"},
+        {"|Qa8, ", strInvalid},
         {"Ya8", "Unknown figure letter: Y"},
-        {"Qa8+++", strLong},
-        {"Qa1-a8 Qb1", strLong},
-        {"Qa8, Qb8; Qc8", strLong},
-    };
-    for (const auto& [pText, strFault] : aFaults)
-        EXPECT_EQ(FailureText([&] { ParseSortIndications(list, pText); }), strFault) << pText;
+        {"Qa8+++|Qa1-a8 Qb1|Qa8, Qb8; Qc8", strLong}};
+    for (const auto& [pTexts, strFault] : aFaults) {
+        for (const std::string& strText : Split(pTexts, '|'))
+            EXPECT_EQ(FailureText([&] { ParseSortIndications(list, strText); }), strFault);
+    }
+    for (const std::string strText : {"0-1", "Qa9", "i1-a8", "Qa1-", "~", "65536.Qa8", "e8K"})
+        EXPECT_EQ(FailureText([&] { ParseSortIndications(list, strText); }),
+                  strInvalid + ": " + strText);
 }
 
 } // namespace

@@ -1,9 +1,5 @@
-#include "chess/fen.h"
-#include "chess/notation.h"
 #include "problems/variant.h"
-#include "support/positions.h"
-
-#include <gtest/gtest.h>
+#include "support/chesstest.h"
 
 namespace corvina
 {

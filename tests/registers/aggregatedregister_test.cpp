@@ -1,16 +1,11 @@
-#include "chess/fen.h"
 #include "registers/aggregatedregister.h"
 #include "registers/answers.h"
 #include "registers/registerhost.h"
 #include "support/boards.h"
-#include "support/positions.h"
-
-#include <gtest/gtest.h>
+#include "support/chesstest.h"
 
 #include <map>
-#include <random>
 #include <thread>
-#include <vector>
 
 namespace corvina
 {

@@ -1,16 +1,11 @@
-#include "platform/machine.h"
 #include "registers/answers.h"
 #include "registers/chessboardregister.h"
 #include "registers/registersettings.h"
 #include "support/boards.h"
 #include "support/positions.h"
+#include "support/workingfolder.h"
 
 #include <gtest/gtest.h>
-
-#include <filesystem>
-#include <fstream>
-#include <limits>
-#include <unistd.h>
 
 namespace corvina
 {
@@ -21,23 +16,7 @@ namespace
 class ChessboardRegister : public testing::Test
 {
 protected:
-    ChessboardRegister()
-    {
-        std::filesystem::remove_all(m_folder);
-        std::filesystem::create_directory(m_folder);
-        std::filesystem::current_path(m_folder);
-    }
-    ~ChessboardRegister() override
-    {
-        std::filesystem::current_path(m_oldFolder);
-        std::filesystem::remove_all(m_folder);
-    }
-
-    const std::filesystem::path m_oldFolder = std::filesystem::current_path();
-    const std::filesystem::path m_folder =
-        std::filesystem::temp_directory_path() /
-        ("corvina-" + std::to_string(reinterpret_cast<std::uintptr_t>(&m_folder)) + "-" +
-         testing::UnitTest::GetInstance()->current_test_info()->name());
+    const TWorkingFolder m_folder;
     TBoardBytes m_board = NumberedBoard(77);
 };
 

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <functional>
 #include <random>
 #include <thread>
 #include <vector>
@@ -107,33 +108,21 @@ TEST(RegisterThreads, AnswersStayTrueInATurmoil)
     };
     const auto upset = [&](int) {
         std::mt19937 random(99);
-        while (std::chrono::steady_clock::now() < tEnd) {
-            switch (random() % 8) {
-            case 0:
-                reg.SetBuckets(256U << random() % 4, random() % 8 != 0);
-                break;
-            case 1:
-                reg.KeepDoubtful(HEUR, random() % 3);
-                break;
-            case 2:
-                reg.RemoveDoubtful(HEUR, random() % 3);
-                break;
-            case 3:
-                nSwept += static_cast<int>(reg.RemoveNMovers(random() % 4 * 2 + 1));
-                break;
-            case 4:
-                reg.Swap(other);
-                break;
-            case 5:
-                reg.EmptySomeDataWhenRegisterFull(true);
-                break;
-            case 6:
-                reg.Statistics();
-                break;
-            default:
+        const std::function<void()> aUpsets[] = {
+            [&] { reg.SetBuckets(256U << random() % 4, random() % 8 != 0); },
+            [&] { reg.KeepDoubtful(HEUR, random() % 3); },
+            [&] { reg.RemoveDoubtful(HEUR, random() % 3); },
+            [&] { nSwept += static_cast<int>(reg.RemoveNMovers(random() % 4 * 2 + 1)); },
+            [&] { reg.Swap(other); },
+            [&] { reg.EmptySomeDataWhenRegisterFull(true); },
+            [&] { reg.Statistics(); },
+            [&] {
                 reg.Clear(static_cast<int>(random() % 3) - 1, true);
                 reg.SetBuckets(1024, true);
-            }
+            },
+        };
+        while (std::chrono::steady_clock::now() < tEnd) {
+            aUpsets[random() % std::size(aUpsets)]();
             std::this_thread::sleep_for(std::chrono::milliseconds(5));
         }
     };

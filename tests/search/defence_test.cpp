@@ -1,8 +1,6 @@
-#include "chess/fen.h"
-#include "chess/notation.h"
 #include "search/defence.h"
-
-#include <gtest/gtest.h>
+#include "support/chesstest.h"
+#include "support/taskrequest.h"
 
 #include <bit>
 
@@ -75,9 +73,7 @@ TEST(Defence, ASolvedPositionNeedsNoSearch)
 
 TEST(Defence, RepetitionsAreTold)
 {
-    TSolveRequest request;
-    ASSERT_TRUE(ReadFen(*request.m_pChessboard, "4k3/8/4K3/8/8/8/8/R7"));
-    request.SetMateIn(6);
+    TTaskRequest request(BoardOf("4k3/8/4K3/8/8/8/8/R7"), 6);
     for (const TMove move :
          {TMove{0, 8, 0, 0}, {60, 59, 0, 0}, {8, 0, 0, 0}, {59, 60, 0, 0}, {0, 8, 0, 0}})
         request.PlayMove(move);
@@ -92,15 +88,7 @@ TEST(Defence, RepetitionsAreTold)
 
 TEST(Defence, RefusesWhatIsNoTask)
 {
-    const auto message = [](const char* pFen) {
-        try {
-            Defend(pFen, 2);
-        }
-        catch (const ChessException& error) {
-            return std::string(error.what());
-        }
-        return std::string();
-    };
+    const auto message = [](const char* pFen) { return FailureText([&] { Defend(pFen, 2); }); };
     EXPECT_EQ(message("7k/5Q2/6K1/8/8/8/8/8"), "No valid move found");
     EXPECT_EQ(message("6rk/8/8/8/8/8/8/6K1"),
               "White king cannot be checked in the mate-defence task starting postition.");

@@ -1,13 +1,7 @@
-#include "chess/fen.h"
-#include "chess/notation.h"
 #include "search/enginecommand.h"
-#include "search/solve.h"
-#include "support/data.h"
-#include "support/slowchess.h"
+#include "support/chesstest.h"
+#include "support/taskrequest.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
 #include <thread>
 
 namespace corvina
@@ -195,19 +189,19 @@ struct TFakeDialog : TEngineDialog
     int m_nCurrent = 0, m_nDepth = 0;
 };
 
-void SetProblem(TSolveRequest& request, const std::string& strFen, int nMate)
+struct TManualRequest : TTaskRequest
 {
-    ASSERT_TRUE(ReadFen(*request.m_pChessboard, strFen)) << strFen;
-    request.SetMateIn(nMate);
-    request.m_bManualControl = true;
-}
+    TManualRequest(const char* pFen, int nMate) : TTaskRequest(BoardOf(pFen), nMate)
+    {
+        m_bManualControl = true;
+    }
+};
 
 /// A run that takes for ever, in a thread of its own.
 struct TEndlessRun
 {
     TEndlessRun()
     {
-        SetProblem(request, "rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR", 9);
         request.OnPositionAnalysed = [this](const TChessboard*, const TThreadContext&) {
             ++m_nReports;
         };
@@ -240,7 +234,7 @@ struct TEndlessRun
     }
 
     std::atomic<int> m_nReports{0}; ///< of progress
-    TSolveRequest request;
+    TManualRequest request{g_aWalkStarts[0], 9};
     TFakeDialog dialog;
     TSolveOutcome outcome;
     std::thread thread;
@@ -309,15 +303,9 @@ TEST(EngineCommand, ARunIsSteered)
     EXPECT_EQ(run.Send(15, ORDER_LAST, 1), ECommandSent::Off);
 }
 
-struct TTask
-{
-    const char* m_pFen;
-    int m_nMate;
-};
-
 /// Long enough that nodes report progress, which the test takes for the chance of a command. Most
 /// have one solution, and no shorter one.
-constexpr TTask TASKS[] = {
+constexpr std::pair<const char*, int> TASKS[] = {
     {"8/p7/3P1p2/5k1p/2NR4/5K2/8/8", 6}, {"1k2K3/8/8/3p4/R7/8/8/8", 7},
     {"8/k7/4K2p/8/3R4/8/8/8", 7},        {"k7/8/p3R3/8/3K4/8/8/8", 7},
     {"8/2R2p2/8/8/4K3/8/8/k7", 7},
@@ -343,17 +331,15 @@ TEST(EngineCommand, WhatIsGivenUpIsNeverTakenForAnAnswer)
 {
     std::mt19937 random(3);
     int nMissed = 0, nCommanded = 0;
-    for (const TTask& task : TASKS) {
+    for (const auto& [pFen, nMate] : TASKS) {
         const auto solve = [&](TSolveRequest& request) {
             TSolveOutcome outcome = Solve(request, {});
             return std::pair(SortedTexts(outcome.m_vecSolutions), outcome);
         };
-        TSolveRequest undisturbed;
-        SetProblem(undisturbed, task.m_pFen, task.m_nMate);
+        TManualRequest undisturbed(pFen, nMate);
         const auto vecExpected = solve(undisturbed).first;
         for (int nRound = 0; nRound < 6; ++nRound) {
-            TSolveRequest request;
-            SetProblem(request, task.m_pFen, task.m_nMate);
+            TManualRequest request(pFen, nMate);
             request.m_nMinRegisterPlies = 0;
             const bool bSkips = nRound % 2 != 0;
             SendAtRandom(request, random, 1 + 600 * nRound, bSkips);
@@ -361,12 +347,12 @@ TEST(EngineCommand, WhatIsGivenUpIsNeverTakenForAnAnswer)
             nCommanded += request.m_nPositions != undisturbed.m_nPositions;
             EXPECT_FALSE(outcome.m_bStopped);
             if (!bSkips) {
-                EXPECT_EQ(vecFound, vecExpected) << task.m_pFen << " " << nRound;
+                EXPECT_EQ(vecFound, vecExpected) << pFen << " " << nRound;
                 EXPECT_FALSE(outcome.m_bDoubtful);
             }
             if (vecFound != vecExpected) {
                 ++nMissed;
-                EXPECT_TRUE(outcome.m_bDoubtful) << task.m_pFen << " " << nRound;
+                EXPECT_TRUE(outcome.m_bDoubtful) << pFen << " " << nRound;
                 EXPECT_TRUE(outcome.m_bInfluencedByHand);
                 EXPECT_TRUE(std::includes(vecExpected.begin(), vecExpected.end(), vecFound.begin(),
                                           vecFound.end()));
@@ -374,48 +360,13 @@ TEST(EngineCommand, WhatIsGivenUpIsNeverTakenForAnAnswer)
             // What the register has kept of it must not mislead the next run.
             request.OnPositionAnalysed = {};
             const auto [vecAgain, again] = solve(request);
-            EXPECT_EQ(vecAgain, vecExpected) << task.m_pFen << " " << nRound;
+            EXPECT_EQ(vecAgain, vecExpected) << pFen << " " << nRound;
             EXPECT_FALSE(again.m_bDoubtful);
             EXPECT_FALSE(again.m_bInfluencedByHand);
         }
     }
     EXPECT_GT(nMissed, 3) << "the skipping hardly hits a solution";
     EXPECT_GT(nCommanded, 10);
-}
-
-TEST(EngineCommand, CommandsFromAnotherThreadChangeNoSolution)
-{
-    for (const TTask& task : {TASKS[0], TTask{"8/8/8/8/2k5/8/3K4/3Q4", 7}}) {
-        TSolveRequest request;
-        SetProblem(request, task.m_pFen, task.m_nMate);
-        const auto vecExpected = SortedTexts(Solve(request, {}).m_vecSolutions);
-        request.m_TemporaryRegister.Clear(TAggregatedTemporaryChessboardRegister::CLEAR_EVERYTHING,
-                                          true);
-        std::atomic<bool> bEnded{false};
-        int nSent = 0;
-        std::thread commander([&] {
-            std::mt19937 random(17);
-            TFakeDialog dialog;
-            while (!bEnded) {
-                dialog.m_nChoice = -1;
-                const bool bAsk = random() % 4 == 0;
-                nSent += SendEngineCommand(request, dialog,
-                                           static_cast<std::uint16_t>(2 + random() % 10),
-                                           static_cast<std::uint16_t>(random() % 2),
-                                           1 + static_cast<int>(random() % 2),
-                                           bAsk ? 0 : 1) == ECommandSent::Sent;
-                std::this_thread::sleep_for(std::chrono::milliseconds(1));
-            }
-        });
-        TRunSettings settings;
-        settings.m_nThreads = 2;
-        const TSolveOutcome outcome = Solve(request, settings);
-        bEnded = true;
-        commander.join();
-        EXPECT_EQ(SortedTexts(outcome.m_vecSolutions), vecExpected) << task.m_pFen;
-        EXPECT_FALSE(outcome.m_bDoubtful);
-        EXPECT_EQ(outcome.m_bInfluencedByHand, nSent > 0);
-    }
 }
 
 TEST(EngineCommand, APauseLasts)

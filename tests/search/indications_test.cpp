@@ -1,61 +1,13 @@
 #include "app/mirror.h"
-#include "chess/fen.h"
-#include "chess/notation.h"
 #include "heuristics/forcingmoves.h"
 #include "heuristics/setreader.h"
-#include "search/indications.h"
+#include "search/indicatedline.h"
 #include "search/ordering.h"
-#include "search/solve.h"
-#include "support/data.h"
-#include "support/positions.h"
-#include "support/slowchess.h"
-
-#include <gtest/gtest.h>
 
 namespace corvina
 {
 namespace
 {
-
-constexpr int HALF_MOVES = 11;
-
-/// A request with a line of play from its position.
-struct TIndicatedLine
-{
-    explicit TIndicatedLine(const std::string& strFen, const std::string& strMoves = "")
-        : context(HALF_MOVES)
-    {
-        TChessboard& root = *request.m_pChessboard;
-        EXPECT_TRUE(ReadFen(root, strFen)) << strFen;
-        root.CheckStartPosition(HALF_MOVES, true);
-        root.m_pRequest = &request;
-        root.m_pThread = &context;
-        context.m_pRootBoard = pBoard = &root;
-        for (const std::string& strMove : Split(strMoves, ' ')) {
-            if (!strMove.empty())
-                pBoard = &PlayMove(*pBoard, ParseMove(*pBoard, strMove));
-        }
-    }
-
-    void Load(const std::string& strItems)
-    {
-        ParseSortIndications(request.m_sortIndications, strItems);
-        LoadSortIndications(request);
-    }
-
-    /// The score that the indications give a move, or nothing.
-    std::optional<int> Score(const std::string& strMove)
-    {
-        TNodeIndications indications(*pBoard);
-        return indications.Apply()
-                   ? indications.Score(PlayMove(*pBoard, ParseMove(*pBoard, strMove)))
-                   : std::nullopt;
-    }
-
-    TSolveRequest request;
-    TThreadContext context;
-    TChessboard* pBoard;
-};
 
 constexpr const char* OPEN = "5k2/8/8/3p4/R5R1/2N5/8/K2Q4";
 constexpr const char* BATTERY = "4k3/8/8/8/4N3/8/8/K3R3";
@@ -134,39 +86,33 @@ TEST(Indications, Patterns)
     constexpr const char* ALL = "5k2/8/8/8/R5R1/2N5/8/K2Q4";
     const struct
     {
-        const char* m_pPattern;
+        const char* m_pPatterns;
         std::optional<int> m_score;
     } aCases[] = {
         {ALL, -127},
-        {"5k2/////2N5", -123},
+        {"5k2/////2N5|///////K2Q4", -123},
         {"5k2////R5R1", -124},
-        {"5k2", -128},
-        {"///////K2Q4", -123},
-        {"5K2", std::nullopt},
-        {"4k3", std::nullopt},
-        {"5k1", std::nullopt},
-        {"5k3", std::nullopt},
-        {"5k2/////8", std::nullopt},
-        {"5k2////////8", std::nullopt},
-        {"5k2/x7", std::nullopt},
-        {"/8", std::nullopt}, // fits, but without a figure
-        {"", -128},
+        {"5k2|", -128},
+        // The last fits, but without a figure.
+        {"5K2|4k3|5k1|5k3|5k2/////8|5k2////////8|5k2/x7|/8", std::nullopt},
     };
     for (const auto& c : aCases) {
-        TIndicatedLine line(OPEN);
-        TSortIndication item = ParseSortIndication("Rd4");
-        item.m_strPattern = c.m_pPattern;
-        line.request.m_sortIndications.Add(item);
-        item = ParseSortIndication("9.Rd4");
-        item.m_strPattern = ALL;
-        line.request.m_sortIndications.Add(item);
-        LoadSortIndications(line.request);
-        EXPECT_EQ(line.Score("Rg4-d4"), c.m_score) << c.m_pPattern;
-        // A move to try last doesn't look at the letters.
-        line.request.m_mapSortIndications.m_mapItems[0][0].m_bNegated = true;
-        const bool bFits = c.m_score || c.m_pPattern == std::string("/8");
-        EXPECT_EQ(line.Score("Rg4-d4"), bFits ? std::optional<int>(125) : std::nullopt)
-            << c.m_pPattern;
+        for (const std::string& strPattern : Split(c.m_pPatterns, '|')) {
+            TIndicatedLine line(OPEN);
+            TSortIndication item = ParseSortIndication("Rd4");
+            item.m_strPattern = strPattern;
+            line.request.m_sortIndications.Add(item);
+            item = ParseSortIndication("9.Rd4");
+            item.m_strPattern = ALL;
+            line.request.m_sortIndications.Add(item);
+            LoadSortIndications(line.request);
+            EXPECT_EQ(line.Score("Rg4-d4"), c.m_score) << strPattern;
+            // A move to try last doesn't look at the letters.
+            line.request.m_mapSortIndications.m_mapItems[0][0].m_bNegated = true;
+            const bool bFits = c.m_score || strPattern == "/8";
+            EXPECT_EQ(line.Score("Rg4-d4"), bFits ? std::optional<int>(125) : std::nullopt)
+                << strPattern;
+        }
     }
 }
 
@@ -324,23 +270,17 @@ TEST(Indications, ChangeNoSolution)
     std::mt19937 random(11);
     int nSolved = 0;
     const auto check = [&](const TChessboard& board, int nMate, int nRound) {
-        const auto solve = [&](bool bPlain) {
-            TSolveRequest request;
-            *request.m_pChessboard = board;
-            request.SetMateIn(nMate);
-            request.m_nMinRegisterPlies = 0;
-            request.m_bPlain = bPlain;
-            if (!bPlain) {
-                ReadHeuristicsText(aSets[nRound % 4], request.m_heuristicSet, &board);
-                request.m_sortIndications = RandomIndications(random);
-            }
-            TRunSettings settings;
-            settings.m_nThreads = 1 + nRound % 2;
-            return SortedTexts(Solve(request, settings).m_vecSolutions);
-        };
-        const auto vecExpected = solve(true);
+        TTaskRequest request(board, nMate);
+        request.m_nMinRegisterPlies = 0;
+        ReadHeuristicsText(aSets[nRound % 4], request.m_heuristicSet, &board);
+        request.m_sortIndications = RandomIndications(random);
+        const auto vecExpected = SortedTexts(SolutionsOf(board, nMate, true));
         nSolved += !vecExpected.empty();
-        EXPECT_EQ(solve(false), vecExpected) << WriteFen(board, true) << " #" << nMate;
+        EXPECT_EQ(
+            SortedTexts(
+                Solve(request, {.m_nThreads = 1 + nRound % 2, .m_overrides = {}}).m_vecSolutions),
+            vecExpected)
+            << WriteFen(board, true) << " #" << nMate;
     };
     constexpr int aTasks[] = {0, 0, 1200, 500, 40}; // by the length of the mate
     for (int nMate = 2; nMate <= 4; ++nMate) {
@@ -354,9 +294,7 @@ TEST(Indications, AGoodOneSavesWork)
 {
     const auto positions = [](const char* pItems, int nVariantUse = 0,
                               std::uint32_t nRunOptions = 0, bool bMirror = false) {
-        TSolveRequest request;
-        EXPECT_TRUE(ReadFen(*request.m_pChessboard, "8/p7/3P1p2/5k1p/2NR4/5K2/8/8"));
-        request.SetMateIn(5);
+        TTaskRequest request(BoardOf("8/p7/3P1p2/5k1p/2NR4/5K2/8/8"), 5);
         request.AddVariant(L"Main variant", VariantMoves("d6-d7 Kf5-e6 d7-d8Q"));
         request.AddVariant(L"Z", VariantMoves("Rd4-d1"));
         request.m_nRunOptions = nRunOptions;
@@ -364,9 +302,9 @@ TEST(Indications, AGoodOneSavesWork)
             ParseSortIndications(request.m_sortIndications, pItems);
         if (bMirror)
             MirrorProblem(request);
-        TRunSettings settings;
-        settings.m_bStopAtFirstSolution = true;
-        settings.m_nMainVariantUse = static_cast<std::uint8_t>(nVariantUse);
+        const TRunSettings settings{.m_bStopAtFirstSolution = true,
+                                    .m_nMainVariantUse = static_cast<std::uint8_t>(nVariantUse),
+                                    .m_overrides = {}};
         EXPECT_EQ(Solve(request, settings).m_nResult, 1);
         return request.m_nPositions.load();
     };
@@ -380,35 +318,6 @@ TEST(Indications, AGoodOneSavesWork)
     EXPECT_LT(4 * positions("", 1, 0, true), positions("", 0, 0, true));
     EXPECT_LT(positions("", 2), nWithout);
     EXPECT_NE(positions("", 2), positions("", 1));
-}
-
-TEST(Indications, TheMirroredRunHasTheirImages)
-{
-    TSolveRequest request;
-    ASSERT_TRUE(ReadFen(*request.m_pChessboard, OPEN));
-    request.SetMateIn(1);
-    request.AddVariant(L"Other", VariantMoves("Nc3-b5"));
-    TSortIndication added = ParseSortIndication("Ra4-b4");
-    added.m_strPattern = "5k2//8/3p4";
-    added.m_pVariant = std::make_shared<TVariant>(TVariant{L"", VariantMoves("Qd1-d2")});
-    request.m_sortIndications.Add(added);
-    const TSortIndication& item = request.m_sortIndications.m_mapItems[0][0];
-    const auto first = [&](int nUse) {
-        TRunSettings settings;
-        settings.m_nMainVariantUse = static_cast<std::uint8_t>(nUse);
-        Solve(request, settings);
-        return PrintMove(request.m_vecFirstMoves[0], *request.m_pChessboard) + " " +
-               PrintMove(request.m_vecFirstMoves[1], *request.m_pChessboard);
-    };
-    const std::string strBefore = SortIndicationsToText(request.m_sortIndications);
-    MirrorProblem(request);
-    EXPECT_EQ(item.m_strPattern, "2k5//8/4p3");
-    EXPECT_EQ(item.m_pVariant->m_vecMoves[0].m_strText, "Qe1-e2");
-    EXPECT_EQ(first(2), "Nf3-g5 Rh4-g4");
-    EXPECT_EQ(first(1).substr(0, 6), "Rh4-g4");
-    MirrorProblem(request);
-    EXPECT_EQ(SortIndicationsToText(request.m_sortIndications), strBefore);
-    EXPECT_EQ(item.m_strPattern, "5k2//8/3p4");
 }
 
 } // namespace

@@ -1,15 +1,11 @@
 #include "chess/boardid.h"
-#include "chess/fen.h"
-#include "chess/notation.h"
 #include "heuristics/differential.h"
 #include "heuristics/setreader.h"
 #include "search/movelog.h"
-#include "search/rootsetup.h"
 #include "search/threads/sharing.h"
-#include "support/slowchess.h"
-#include "support/temporaryfolder.h"
-
-#include <gtest/gtest.h>
+#include "support/chesstest.h"
+#include "support/taskrequest.h"
+#include "support/workingfolder.h"
 
 #include <filesystem>
 #include <regex>
@@ -20,28 +16,13 @@ namespace corvina
 namespace
 {
 
-/// A working folder of the test's own.
-class TWorkingFolder
+std::vector<std::string> LogsIn(const TWorkingFolder& folder)
 {
-public:
-    TWorkingFolder() { std::filesystem::current_path(m_folder.m_path); }
-    ~TWorkingFolder() { std::filesystem::current_path(m_before); }
-    TWorkingFolder(const TWorkingFolder&) = delete;
-    TWorkingFolder& operator=(const TWorkingFolder&) = delete;
-
-    std::vector<std::string> Logs() const
-    {
-        std::vector<std::string> vecPaths;
-        for (const auto& entry : std::filesystem::directory_iterator(m_folder.m_path))
-            vecPaths.push_back(entry.path().string());
-        return vecPaths;
-    }
-
-    TTemporaryFolder m_folder;
-
-private:
-    const std::filesystem::path m_before = std::filesystem::current_path();
-};
+    std::vector<std::string> vecPaths;
+    for (const auto& entry : std::filesystem::directory_iterator(folder.m_folder.m_path))
+        vecPaths.push_back(entry.path().string());
+    return vecPaths;
+}
 
 constexpr const char* LOG_OF_RUN = "MovesLogger_problem12_thread0.log";
 
@@ -161,7 +142,7 @@ TEST(MoveLog, TellsEveryMoveAndWhatBecameOfIt)
             SCOPED_TRACE(Describe(task, pSet));
             const TWorkingFolder folder;
             const auto quiet = SolveLogged(task, pSet, {1, 1, 0}, false);
-            ASSERT_TRUE(folder.Logs().empty());
+            ASSERT_TRUE(LogsIn(folder).empty());
             ASSERT_EQ(SolveLogged(task, pSet, {1, 1, 0}, true), quiet);
             TLogReader reader(task);
             reader.Read(BytesOf(LOG_OF_RUN));
@@ -186,7 +167,7 @@ TEST(MoveLog, EachThreadHasAFileAndAppends)
         ASSERT_EQ(SolveLogged(task, "none", {2, 2, 3}, true).first, task.m_vecSolutions);
     bool bGroup = false;
     std::string strRoots;
-    for (const std::string& strPath : folder.Logs()) {
+    for (const std::string& strPath : LogsIn(folder)) {
         const std::string strLog = BytesOf(strPath);
         EXPECT_TRUE(strLog.starts_with(std::string(52, '-') + "\n")) << strPath;
         bGroup |= strLog.find("\nNextMultithreadingLevel analysis...\n") != std::string::npos;
@@ -194,7 +175,7 @@ TEST(MoveLog, EachThreadHasAFileAndAppends)
             strRoots += strLog;
     }
     EXPECT_TRUE(bGroup);
-    EXPECT_GT(folder.Logs().size(), 2u);
+    EXPECT_GT(LogsIn(folder).size(), 2u);
     const std::string strRule = std::string(52, '-') + "\n";
     std::size_t nRules = 0;
     for (std::size_t i = 0; (i = strRoots.find(strRule, i)) != std::string::npos; ++i)
@@ -204,9 +185,7 @@ TEST(MoveLog, EachThreadHasAFileAndAppends)
 
 TEST(MoveLog, OddResultsDepthsAndFolders)
 {
-    TSolveRequest request;
-    ASSERT_TRUE(ReadFen(*request.m_pChessboard, "7k/8/5K2/8/8/8/8/6R1"));
-    request.SetMateIn(2);
+    TTaskRequest request(BoardOf("7k/8/5K2/8/8/8/8/6R1"), 2);
     request.m_nProblemNumber = 12;
     std::vector<std::string> vecMessages;
     request.OnMessage = [&](const std::string& strText) { vecMessages.push_back(strText); };

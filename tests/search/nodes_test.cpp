@@ -1,14 +1,9 @@
-#include "chess/fen.h"
-#include "chess/notation.h"
+#include "heuristics/randomsets.h"
 #include "search/plainsearch.h"
 #include "search/shortmate.h"
 #include "search/solve.h"
-#include "support/data.h"
-#include "support/slowchess.h"
+#include "support/chesstest.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
 #include <atomic>
 #include <cstring>
 
@@ -51,22 +46,11 @@ std::vector<TMove> SolveBy(const TChessboard& board, int nMate, const TWay& way)
     request.m_bPlain = way.m_bPlain;
     request.m_bUseRegister = way.m_bRegister;
     request.m_nMinRegisterPlies = 0;
-    TRunSettings settings;
-    settings.m_nThreads = way.m_nThreads;
-    std::vector<TMove> vecMoves = Solve(request, settings).m_vecSolutions;
+    std::vector<TMove> vecMoves =
+        Solve(request, {.m_nThreads = way.m_nThreads, .m_overrides = {}}).m_vecSolutions;
     if (way.m_bMirrored)
         std::transform(vecMoves.begin(), vecMoves.end(), vecMoves.begin(), Mirrored);
     return vecMoves;
-}
-
-/// In full notation, sorted.
-std::vector<std::string> Keys(const TChessboard& board, int nMate, const TWay& way)
-{
-    std::vector<std::string> vecKeys;
-    for (const TMove& move : SolveBy(board, nMate, way))
-        vecKeys.push_back(PrintMove(move, board));
-    std::sort(vecKeys.begin(), vecKeys.end());
-    return vecKeys;
 }
 
 std::vector<std::string> Solutions(const TChessboard& board, int nMate, const TWay& way)
@@ -93,19 +77,11 @@ void ExpectTheSameFromEveryWay(const TChessboard& board, int nMate)
 
 TEST(Nodes, EveryWayFindsTheSolutionsOfThePlainRecursion)
 {
-    struct TBatch
-    {
-        int m_nMate, m_nPositions, m_nMinFigures, m_nMaxFigures;
-    };
-    constexpr TBatch aBatches[] = {
-        {1, 1500, 3, 24}, {2, 2500, 3, 20}, {3, 1000, 3, 9}, {4, 60, 3, 5}};
+    constexpr int aBatches[][3] = {{1, 1500, 24}, {2, 2500, 20}, {3, 1000, 9}, {4, 60, 5}};
     std::mt19937 random(99);
-    for (const TBatch& batch : aBatches) {
-        for (int i = 0; i < batch.m_nPositions; ++i) {
-            const int nFigures =
-                batch.m_nMinFigures + i % (batch.m_nMaxFigures - batch.m_nMinFigures + 1);
-            ExpectTheSameFromEveryWay(RandomPosition(random, nFigures), batch.m_nMate);
-        }
+    for (const auto& [nMate, nPositions, nMaxFigures] : aBatches) {
+        for (int i = 0; i < nPositions; ++i)
+            ExpectTheSameFromEveryWay(RandomPosition(random, 3 + i % (nMaxFigures - 2)), nMate);
     }
     constexpr int aComposed[] = {0, 400, 1200, 300, 40}; // by the length of the mate
     for (int nMate = 1; nMate <= 4; ++nMate) {
@@ -127,11 +103,10 @@ TEST(Nodes, AnswersOfTheDataFolder)
     }
     for (const TAnsweredTask& task : vecTasks) {
         for (const TWay& way : {PLAIN, ONE_THREAD, FOUR_THREADS, NO_REGISTER, MIRRORED}) {
-            TChessboard board;
-            ASSERT_TRUE(ReadFen(board, task.m_strFen));
+            const TChessboard board = BoardOf(task.m_strFen);
             if (way.m_bMirrored && HasCastlingFigures(board))
                 continue;
-            EXPECT_EQ(Keys(board, task.m_nMate, way), task.m_vecKeys)
+            EXPECT_EQ(SortedKeys(SolveBy(board, task.m_nMate, way), board), task.m_vecKeys)
                 << way.m_pName << ": " << task.m_strFen << " #" << task.m_nMate;
         }
     }
@@ -147,14 +122,13 @@ struct TSweptRequest : TSolveRequest
 TEST(Nodes, SweepsOfAFullRegisterChangeNoSolution)
 {
     TSweptRequest request;
-    ASSERT_TRUE(ReadFen(*request.m_pChessboard, "8/p7/3P1p2/5k1p/2NR4/5K2/8/8"));
+    *request.m_pChessboard = BoardOf("8/p7/3P1p2/5k1p/2NR4/5K2/8/8");
     request.SetMateIn(6);
     const auto solve = [&](int nThreads) {
-        TRunSettings settings;
-        settings.m_nThreads = nThreads;
         request.m_TemporaryRegister.Clear(TAggregatedTemporaryChessboardRegister::CLEAR_EVERYTHING,
                                           true);
-        return SortedTexts(Solve(request, settings).m_vecSolutions);
+        return SortedTexts(
+            Solve(request, {.m_nThreads = nThreads, .m_overrides = {}}).m_vecSolutions);
     };
     const auto vecExpected = solve(1);
     EXPECT_EQ(vecExpected.size(), 4u);
@@ -181,12 +155,8 @@ TEST(Nodes, ShortMatesAgreeWithThePlainRecursion)
     for (const TCase& test : aCases) {
         int nMates = 0;
         for (int i = 0; i < test.m_nPositions; ++i) {
-            TSolveRequest request;
-            TChessboard board = RandomPosition(random, 3 + i % (test.m_nMaxFigures - 2));
-            TThreadContext context(9);
-            context.m_pRootBoard = &board;
-            board.m_pThread = &context;
-            board.m_pRequest = &request;
+            TSetPosition position(RandomPosition(random, 3 + i % (test.m_nMaxFigures - 2)), 9);
+            TChessboard& board = position.board;
             board.m_nMoves = board.m_nInitialMoves = test.m_nPlies;
             const bool bExpected = PlainSearchWhite(board) == 1;
             nMates += bExpected;

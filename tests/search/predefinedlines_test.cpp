@@ -1,14 +1,6 @@
-#include "chess/fen.h"
-#include "chess/notation.h"
 #include "heuristics/predefined.h"
-#include "search/indications.h"
+#include "search/indicatedline.h"
 #include "search/predefinedlines.h"
-#include "search/solve.h"
-#include "support/data.h"
-#include "support/positions.h"
-#include "support/slowchess.h"
-
-#include <gtest/gtest.h>
 
 namespace corvina
 {
@@ -17,58 +9,40 @@ namespace
 
 constexpr const char* OPEN = "5k2/8/8/3p4/R5R1/2N5/8/K2Q4";
 
-/// A request whose run looks at tables of its own.
-struct TKnown
+/// A line whose request looks at tables of its own.
+struct TKnown : TIndicatedLine
 {
-    explicit TKnown(const std::string& strFen)
+    explicit TKnown(const std::string& strFen) : TIndicatedLine(strFen)
     {
-        EXPECT_TRUE(ReadFen(*request.m_pChessboard, strFen)) << strFen;
-        request.SetMateIn(8);
         request.m_pPredefinedTables = &tables;
     }
 
-    TPredefinedTables tables;
-    TSolveRequest request;
-};
-
-/// The score that the indications of a request give a move after a line of play.
-std::optional<int> ScoreOf(TSolveRequest& request, const std::string& strLine,
-                           const std::string& strMove)
-{
-    TThreadContext context(request.m_nRequestedMoves);
-    TChessboard root = *request.m_pChessboard;
-    root.m_pRequest = &request;
-    root.m_pThread = &context;
-    context.m_pRootBoard = &root;
-    TChessboard* pBoard = &root;
-    for (const std::string& strPlayed : Split(strLine, ' ')) {
-        if (!strPlayed.empty())
-            pBoard = &PlayMove(*pBoard, ParseMove(*pBoard, strPlayed));
+    /// The score of a move after a line of play.
+    std::optional<int> ScoreAfter(const std::string& strLine, const std::string& strMove)
+    {
+        Play(strLine);
+        return Score(strMove);
     }
-    TNodeIndications indications(*pBoard);
-    if (!indications.Apply())
-        return std::nullopt;
-    return indications.Score(PlayMove(*pBoard, ParseMove(*pBoard, strMove)));
-}
+
+    TPredefinedTables tables;
+};
 
 TEST(PredefinedLines, LinesHoldAlongTheirMovesAndListsByTheirNumbers)
 {
     TKnown known(OPEN);
     known.tables.m_predefinedLines[OPEN] = {"1. Ra4-a7 d5-d4 2. Nc3-e4 Kf8-e8 3. Rg4-g8#",
                                             "1.Rg4-g2 d5-d4  2.Rg2-g3 ", "2. Qd1-d3, 3.Qd3-d4"};
-    ParseSortIndications(known.request.m_sortIndications, "~1.Rg4-g2");
-    LoadSortIndications(known.request);
+    known.Load("~1.Rg4-g2");
     ApplyPredefinedLines(known.request);
     constexpr std::optional<int> NO, FIRST = INDICATED_FIRST, LAST = INDICATED_LAST;
-    TSolveRequest& request = known.request;
-    EXPECT_EQ(ScoreOf(request, "", "Ra4-a7"), FIRST);
-    EXPECT_EQ(ScoreOf(request, "", "Ra4-a8"), NO);
-    EXPECT_EQ(ScoreOf(request, "", "Rg4-g2"), LAST) << "the problem's own come first";
-    EXPECT_EQ(ScoreOf(request, "Ra4-a7 d5-d4", "Nc3-e4"), FIRST);
-    EXPECT_EQ(ScoreOf(request, "Ra4-a7 Kf8-e8", "Nc3-e4"), NO) << "off the line";
-    EXPECT_EQ(ScoreOf(request, "Rg4-g2 d5-d4", "Rg2-g3"), FIRST) << "of the second line";
-    EXPECT_EQ(ScoreOf(request, "Rg4-g2 Kf8-e8", "Qd1-d3"), FIRST) << "whatever was played";
-    EXPECT_EQ(ScoreOf(request, "Ra4-a7 d5-d4 Nc3-e4 Kf8-e8", "Rg4-g8"), FIRST);
+    EXPECT_EQ(known.ScoreAfter("", "Ra4-a7"), FIRST);
+    EXPECT_EQ(known.ScoreAfter("", "Ra4-a8"), NO);
+    EXPECT_EQ(known.ScoreAfter("", "Rg4-g2"), LAST) << "the problem's own come first";
+    EXPECT_EQ(known.ScoreAfter("Ra4-a7 d5-d4", "Nc3-e4"), FIRST);
+    EXPECT_EQ(known.ScoreAfter("Ra4-a7 Kf8-e8", "Nc3-e4"), NO) << "off the line";
+    EXPECT_EQ(known.ScoreAfter("Rg4-g2 d5-d4", "Rg2-g3"), FIRST) << "of the second line";
+    EXPECT_EQ(known.ScoreAfter("Rg4-g2 Kf8-e8", "Qd1-d3"), FIRST) << "whatever was played";
+    EXPECT_EQ(known.ScoreAfter("Ra4-a7 d5-d4 Nc3-e4 Kf8-e8", "Rg4-g8"), FIRST);
 }
 
 TEST(PredefinedLines, PositionsOfTheTree)
@@ -81,10 +55,10 @@ TEST(PredefinedLines, PositionsOfTheTree)
     // The tree isn't walked: any line that comes to the position will do.
     TKnown deep("8/8/8/8/8/5NpB/3K1pP1/5kbn");
     deep.request.m_vecPreferredMoves = known.request.m_vecPreferredMoves;
-    EXPECT_EQ(ScoreOf(deep.request, "", "Kd2-d3"), INDICATED_FIRST);
-    EXPECT_EQ(ScoreOf(deep.request, "", "Kd2-d1"), std::nullopt);
-    EXPECT_EQ(ScoreOf(deep.request, "Kd2-d3 Bg1-h2", "Kd3-e3"), INDICATED_FIRST);
-    EXPECT_EQ(ScoreOf(deep.request, "Kd2-d3 Bg1-h2", "Kd3-e4"), std::nullopt);
+    EXPECT_EQ(deep.ScoreAfter("", "Kd2-d3"), INDICATED_FIRST);
+    EXPECT_EQ(deep.ScoreAfter("", "Kd2-d1"), std::nullopt);
+    EXPECT_EQ(deep.ScoreAfter("Kd2-d3 Bg1-h2", "Kd3-e3"), INDICATED_FIRST);
+    EXPECT_EQ(deep.ScoreAfter("Kd2-d3 Bg1-h2", "Kd3-e4"), std::nullopt);
 }
 
 TEST(PredefinedLines, FaultyTextsAreToldAndTheRunGoesOn)
@@ -97,9 +71,9 @@ TEST(PredefinedLines, FaultyTextsAreToldAndTheRunGoesOn)
         known.request.SetMateIn(2);
         std::vector<std::string> vecMessages;
         known.request.OnMessage = [&](const std::string& s) { vecMessages.push_back(s); };
-        TRunSettings settings;
-        settings.m_pPredefinedTables = &known.tables;
-        settings.m_bUsePredefinedSettings = true;
+        const TRunSettings settings{.m_bUsePredefinedSettings = true,
+                                    .m_pPredefinedTables = &known.tables,
+                                    .m_overrides = {}};
         EXPECT_EQ(SortedTexts(Solve(known.request, settings).m_vecSolutions),
                   (std::vector<std::string>{"f6f7"}));
         EXPECT_EQ(vecMessages, (std::vector<std::string>{"Error in predefined sort indications."}))
@@ -115,9 +89,9 @@ TEST(PredefinedLines, LookedAtWhenTheOptionOrTheProblemAsksForIt)
             known.tables.m_predefinedLines["7k/8/5K2/8/8/8/8/6R1"] = {"1. Kf6-f7"};
             known.request.SetMateIn(2);
             known.request.m_bUsePredefinedSettings = bProblem;
-            TRunSettings settings;
-            settings.m_pPredefinedTables = &known.tables;
-            settings.m_bUsePredefinedSettings = bOption;
+            const TRunSettings settings{.m_bUsePredefinedSettings = bOption,
+                                        .m_pPredefinedTables = &known.tables,
+                                        .m_overrides = {}};
             Solve(known.request, settings);
             EXPECT_EQ(known.request.m_mapSortIndications.empty(), !bOption && !bProblem);
             EXPECT_TRUE(known.request.m_sortIndications.empty()) << "the problem stays as it is";

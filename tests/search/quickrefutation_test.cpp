@@ -1,13 +1,7 @@
-#include "chess/fen.h"
 #include "heuristics/setreader.h"
 #include "search/quickrefutation.h"
-#include "search/rootsetup.h"
-#include "search/solve.h"
-#include "support/data.h"
-#include "support/positions.h"
-#include "support/slowchess.h"
-
-#include <gtest/gtest.h>
+#include "support/chesstest.h"
+#include "support/taskrequest.h"
 
 #include <array>
 #include <cstring>
@@ -17,28 +11,15 @@ namespace corvina
 namespace
 {
 
-/// White mates within the half-moves, by the plain recursion.
-bool MatesByPlainRecursion(const TChessboard& board, int nMate)
-{
-    TSolveRequest request;
-    *request.m_pChessboard = board;
-    request.SetMateIn(nMate);
-    request.m_bPlain = true;
-    return Solve(request, {}).m_nResult == 1;
-}
-
 /// A task with a register that has seen some of its positions, as that of a run would have.
 struct TSeenTask
 {
     TSeenTask(const TChessboard& position, int nMate, const char* pSet, bool bSafeMode)
+        : m_request(position, nMate)
     {
-        *m_request.m_pChessboard = position;
-        m_request.SetMateIn(nMate);
         m_request.m_nMinRegisterPlies = 0;
         ReadHeuristicsText(pSet, m_request.m_heuristicSet, &position);
-        TRunSettings settings;
-        settings.m_bQuickMode = !bSafeMode;
-        Solve(m_request, settings);
+        Solve(m_request, {.m_bQuickMode = !bSafeMode, .m_overrides = {}});
         m_request.ClearStopState();
         m_root.m_pParent = nullptr;
         TakeUpHeuristics(m_root);
@@ -47,7 +28,7 @@ struct TSeenTask
     }
     ~TSeenTask() { m_root.m_pThread = nullptr; }
 
-    TSolveRequest m_request;
+    TTaskRequest m_request;
     TThreadContext m_context{0};
     TChessboard& m_root = *m_request.m_pChessboard;
 };
@@ -69,7 +50,7 @@ void ExpectTrueAnswers(const TChessboard& position, int nMate, const char* pSet,
         if (nAnswer == QUICK_UNKNOWN || (nAnswer != QUICK_NO_MATE && board.m_nHeuristics != 0))
             return;
         const int nMovesLeft = (board.m_nMoves + 1) / 2;
-        ASSERT_FALSE(MatesByPlainRecursion(board, nMovesLeft))
+        ASSERT_TRUE(SolutionsOf(board, nMovesLeft, true).empty())
             << WriteFen(board, true) << " #" << nMovesLeft << " with " << pSet;
     };
     ask(task.m_root);
@@ -111,32 +92,21 @@ TEST(QuickRefutation, NoMateIsTrueInTheFullDepth)
     EXPECT_GT(anAnswers[QUICK_NO_MATE], 100);
 }
 
-/// A position after a reply of Black, in a task of so many half-moves without heuristics.
-struct TAfterReply
+/// A position after a reply of Black.
+struct TAfterReply : TThreadPosition
 {
-    TAfterReply(const char* pFen, int nTask, int nLeft) : m_context(nTask)
+    TAfterReply(const char* pFen, int nTask, int nLeft)
+        : TThreadPosition(BoardOf(pFen), nTask, nLeft)
     {
-        EXPECT_TRUE(ReadFen(m_board, pFen)) << pFen;
-        m_board.ScanBoard(true);
-        m_request.m_bUseRegister = false;
-        m_board.m_pRequest = &m_request;
-        m_board.m_nInitialMoves = static_cast<std::uint16_t>(nTask);
-        m_board.m_nMoves = static_cast<std::uint16_t>(nLeft);
-        m_board.m_nPass = PASS_WITHOUT_HEURISTICS;
-        m_context.m_pRootBoard = &m_board;
-        m_board.m_pThread = &m_context;
+        request.m_bUseRegister = false;
     }
 
     int DepthOfWalk()
     {
-        m_context.m_nSortProbeDepth = 0;
-        QuickRefutation(m_board);
-        return m_context.m_nSortProbeDepth;
+        context.m_nSortProbeDepth = 0;
+        QuickRefutation(board);
+        return context.m_nSortProbeDepth;
     }
-
-    TSolveRequest m_request;
-    TThreadContext m_context;
-    TChessboard m_board;
 };
 
 TEST(QuickRefutation, IsDeeperNearTheRootOfALongTask)
@@ -155,10 +125,10 @@ TEST(QuickRefutation, IsNotTriedBesideAMateOrAnotherSearch)
     EXPECT_EQ(mate.DepthOfWalk(), 0);
     TAfterReply position("8/8/8/3k4/8/8/4K3/R6R", 21, 15);
     EXPECT_GT(position.DepthOfWalk(), 0);
-    position.m_context.m_nQuickerMateNesting = 1;
+    position.context.m_nQuickerMateNesting = 1;
     EXPECT_EQ(position.DepthOfWalk(), 0);
-    position.m_context.m_nQuickerMateNesting = 0;
-    position.m_context.m_nRefutationNesting = 1;
+    position.context.m_nQuickerMateNesting = 0;
+    position.context.m_nRefutationNesting = 1;
     EXPECT_EQ(position.DepthOfWalk(), 0);
 }
 
@@ -166,7 +136,7 @@ TEST(QuickRefutation, AStalematedWhiteDoesNotMate)
 {
     TAfterReply stalemate("8/8/8/4b3/8/8/5k2/7K", 21, 15);
     for (const bool bMateInOneFirst : {false, true})
-        EXPECT_EQ(QuickRefutationSearch(stalemate.m_board, 2, 2, bMateInOneFirst), QUICK_NO_MATE);
+        EXPECT_EQ(QuickRefutationSearch(stalemate.board, 2, 2, bMateInOneFirst), QUICK_NO_MATE);
 }
 
 } // namespace

@@ -1,18 +1,12 @@
-#include "chess/fen.h"
+#include "chess/moveset.h"
 #include "heuristics/heuristicbits.h"
 #include "heuristics/setreader.h"
 #include "search/blacksort.h"
 #include "search/movescore.h"
-#include "search/rootsetup.h"
-#include "search/solve.h"
 #include "search/whitesort.h"
-#include "support/data.h"
-#include "support/positions.h"
-#include "support/slowchess.h"
+#include "support/chesstest.h"
+#include "support/taskrequest.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
 #include <bit>
 #include <cstring>
 
@@ -21,37 +15,31 @@ namespace corvina
 namespace
 {
 
-/// A position on a thread of its own, with so many half-moves left.
-struct TSortedPosition
+/// A position whose moves are sorted.
+struct TSortedPosition : TThreadPosition
 {
-    TSortedPosition(const TChessboard& board, int nMoves) : m_context(nMoves)
+    TSortedPosition(const TChessboard& position, int nMoves)
+        : TThreadPosition(position, nMoves, nMoves)
     {
-        m_board = board;
-        m_board.m_nMoves = m_board.m_nInitialMoves = static_cast<std::uint16_t>(nMoves);
-        m_board.m_pRequest = &m_request;
-        m_board.m_nPass = PASS_WITHOUT_HEURISTICS;
-        m_board.m_pParent = nullptr;
-        m_request.m_bUseRegister = false;
-        PutOnThread(m_board, m_context);
+        request.m_bUseRegister = false;
     }
 
     std::vector<TMove> Generated()
     {
-        const int nMoves = m_board.IsWhiteToMove() ? m_board.GenerateWhiteMoves(m_moves.data())
-                                                   : m_board.GenerateBlackMoves(m_moves.data());
+        const int nMoves = board.IsWhiteToMove() ? board.GenerateWhiteMoves(m_moves.data())
+                                                 : board.GenerateBlackMoves(m_moves.data());
         return {m_moves.data(), m_moves.data() + nMoves};
     }
 
     int SortWhite(TSortNotes* pNotes = nullptr)
     {
-        return SortWhiteMoves(m_board, m_moves.data(), static_cast<int>(Generated().size()),
-                              pNotes);
+        return SortWhiteMoves(board, m_moves.data(), static_cast<int>(Generated().size()), pNotes);
     }
 
     int SortBlack(EBlackSort form = EBlackSort::Full)
     {
         bool bHasReply = false;
-        return SortBlackMoves(m_board, m_moves.data(), static_cast<int>(Generated().size()),
+        return SortBlackMoves(board, m_moves.data(), static_cast<int>(Generated().size()),
                               &bHasReply, form);
     }
 
@@ -60,19 +48,8 @@ struct TSortedPosition
         return {m_moves.m_aMoves, m_moves.m_aMoves + nMoves};
     }
 
-    TSolveRequest m_request;
-    TThreadContext m_context;
-    TChessboard m_board;
     TMoveList m_moves;
 };
-
-TChessboard BoardOf(const char* pFen)
-{
-    TChessboard board;
-    EXPECT_TRUE(ReadFen(board, pFen)) << pFen;
-    board.ScanBoard(true);
-    return board;
-}
 
 constexpr int DEPTH = 15;
 
@@ -82,9 +59,14 @@ std::vector<TMove> MovesMade(TSortedPosition& position)
 {
     auto vecMoves = position.Generated();
     std::erase_if(vecMoves, [&](TMove move) {
-        return !position.m_context.MakeChild(position.m_board).MakeWhiteMove(&move);
+        return !position.context.MakeChild(position.board).MakeWhiteMove(&move);
     });
     return vecMoves;
+}
+
+bool AreSame(const std::vector<TMove>& vecMoves, const std::vector<TMove>& vecOthers)
+{
+    return std::equal(vecMoves.begin(), vecMoves.end(), vecOthers.begin(), IsSameMove);
 }
 
 TEST(Sorts, AListIsOrderedAndKeepsEachLegalMove)
@@ -97,29 +79,27 @@ TEST(Sorts, AListIsOrderedAndKeepsEachLegalMove)
         TSortedPosition white(board, DEPTH);
         const auto nGenerated = static_cast<int>(white.Generated().size());
         const auto vecMade = SortedTexts(MovesMade(white));
-        const TChessboard before = white.m_board;
+        const TChessboard before = white.board;
         const int nLegal = white.SortWhite();
-        EXPECT_EQ(std::memcmp(&before, &white.m_board, sizeof before), 0);
-        EXPECT_EQ(white.m_context.m_nSortNesting, 0);
-        EXPECT_FALSE(white.m_context.m_bNoQuickerMate);
+        EXPECT_EQ(std::memcmp(&before, &white.board, sizeof before), 0);
+        EXPECT_EQ(white.context.m_nSortNesting, 0);
+        EXPECT_FALSE(white.context.m_bNoQuickerMate);
         ASSERT_EQ(SortedTexts(white.Moves(nLegal)), vecMade) << WriteFen(board, true);
         for (int k = 0; k < nGenerated; ++k) {
             EXPECT_EQ(ScoreOf(white.m_moves[k]) == SCORE_ILLEGAL, k >= nLegal);
             EXPECT_LE(k ? ScoreOf(white.m_moves[k - 1]) : SCORE_BEST, ScoreOf(white.m_moves[k]));
         }
         const auto vecOrder = white.Moves(nLegal);
-        white.m_request.m_nOrderSeed = 7;
+        white.request.m_nOrderSeed = 7;
         EXPECT_EQ(white.SortWhite(), nLegal);
-        nDisturbed += !std::equal(vecOrder.begin(), vecOrder.end(), white.m_moves.data(),
-                                  [](const TMove& a, const TMove& b) { return IsSameMove(a, b); });
+        nDisturbed += !AreSame(vecOrder, white.Moves(nLegal));
         const auto vecDisturbed = white.Moves(nLegal);
         white.SortWhite();
         EXPECT_EQ(SortedTexts(vecDisturbed), SortedTexts(vecOrder));
-        EXPECT_TRUE(std::equal(vecDisturbed.begin(), vecDisturbed.end(), white.m_moves.data(),
-                               [](const TMove& a, const TMove& b) { return IsSameMove(a, b); }));
+        EXPECT_TRUE(AreSame(vecDisturbed, white.Moves(nLegal)));
 
         TSortedPosition black(board, DEPTH - 1);
-        if (black.m_board.m_whiteChecker != NO_CHECK)
+        if (black.board.m_whiteChecker != NO_CHECK)
             continue;
         const int nReplies = black.SortBlack(EBlackSort::KeepsAll);
         ASSERT_EQ(SortedTexts(black.Moves(nReplies)),
@@ -149,7 +129,7 @@ TEST(Sorts, TheWorstMovesOfALongListAreLeftOut)
         TSortedPosition position(BoardWithMoves(nMoves), DEPTH);
         EXPECT_EQ(position.SortWhite(), nMoves);
         const auto vecAll = position.Moves(nMoves);
-        position.m_board.m_nHeuristics = SH_SKIPWORSTWHITEMOVES;
+        position.board.m_nHeuristics = SH_SKIPWORSTWHITEMOVES;
         TSortNotes notes;
         EXPECT_EQ(position.SortWhite(&notes), nKept);
         EXPECT_EQ(notes.m_nLeftOut, nMoves - nKept);
@@ -158,23 +138,11 @@ TEST(Sorts, TheWorstMovesOfALongListAreLeftOut)
     }
 }
 
-/// The position after a legal move.
-TSlowPosition After(TSlowPosition position, const TMove& move)
-{
-    position.Play(move);
-    return position;
-}
-
-bool IsMate(const TSlowPosition& position)
-{
-    return position.InCheck(position.m_toMove) && position.LegalMoves().empty();
-}
-
 bool HasMatingMove(const TSlowPosition& position)
 {
     const auto vecMoves = position.LegalMoves();
     return std::any_of(vecMoves.begin(), vecMoves.end(),
-                       [&](const TMove& move) { return IsMate(After(position, move)); });
+                       [&](const TMove& move) { return position.After(move).IsMate(); });
 }
 
 /// A check that leaves White one answer or two, each of which allows mate.
@@ -183,7 +151,7 @@ bool ForcesMateInTwo(const TSlowPosition& afterReply)
     const auto vecAnswers = afterReply.LegalMoves();
     return afterReply.InCheck(EColour::White) && vecAnswers.size() <= 2 &&
            std::all_of(vecAnswers.begin(), vecAnswers.end(), [&](const TMove& answer) {
-               return HasMatingMove(After(afterReply, answer));
+               return HasMatingMove(afterReply.After(answer));
            });
 }
 
@@ -204,7 +172,7 @@ TEST(Sorts, AReplyThatMatesWhiteDecidesTheNode)
         const bool bMate = HasMatingMove(slow);
         const bool bLonger =
             std::any_of(vecReplies.begin(), vecReplies.end(),
-                        [&](const TMove& reply) { return ForcesMateInTwo(After(slow, reply)); });
+                        [&](const TMove& reply) { return ForcesMateInTwo(slow.After(reply)); });
         nMates += bMate;
         nLongerMates += bLonger && !bMate;
         ASSERT_EQ(decides(SHORT, EBlackSort::Light), bMate) << WriteFen(board, true);
@@ -221,9 +189,7 @@ TEST(Sorts, WhatTheRegistersKnowOfTheRepliesIsTrue)
     std::mt19937 random(15);
     int anSeen[3] = {};
     for (int i = 0; i < 150; ++i) {
-        TSolveRequest request;
-        *request.m_pChessboard = ComposedPosition(random);
-        request.SetMateIn(MATE);
+        TTaskRequest request(ComposedPosition(random), MATE);
         request.m_nMinRegisterPlies = 0;
         const auto vecSolutions = Solve(request, {}).m_vecSolutions;
         request.ClearStopState();
@@ -235,9 +201,7 @@ TEST(Sorts, WhatTheRegistersKnowOfTheRepliesIsTrue)
             TChessboard& child = context.MakeChild(root);
             if (!child.MakeWhiteMove(&move))
                 continue;
-            const bool bSolves =
-                std::any_of(vecSolutions.begin(), vecSolutions.end(),
-                            [&](const TMove& key) { return IsSameMove(key, move); });
+            const bool bSolves = ContainsMove(vecSolutions, move);
             for (const int nFlags : {PROBE_ALL, PROBE_UP_TO_UNKNOWN}) {
                 const int nKnown = ProbeBlackReplies(child, nFlags);
                 ++anSeen[nKnown + 1];
@@ -253,14 +217,8 @@ TEST(Sorts, WhatTheRegistersKnowOfTheRepliesIsTrue)
         EXPECT_GT(nSeen, 20);
 }
 
-/// Tasks long enough for all that the sorts do, and soon solved.
-struct TLongTask
-{
-    const char* m_pFen;
-    int m_nMate;
-};
-
-constexpr TLongTask g_aLongTasks[] = {
+/// Tasks and their mates: long enough for all that the sorts do, and soon solved.
+constexpr std::pair<const char*, int> g_aLongTasks[] = {
     {"8/8/8/8/8/1p6/1p6/1k1K3R", 6}, {"k7/P7/1Kp5/8/8/2P5/7R/8", 7}, {"k7/2K5/p7/P7/8/8/1P6/8", 8},
     {"8/1p6/kP6/p1K5/P7/8/8/7R", 7}, {"7k/8/5K1p/7P/8/8/6P1/8", 8},  {"kb6/p7/K7/8/8/8/1P6/5Q2", 7},
 };
@@ -281,9 +239,8 @@ TSolveOutcome SolveBy(TSolveRequest& request, const TChessboard& board, int nMat
     ReadHeuristicsText(way.m_pSet, request.m_heuristicSet, &board);
     request.m_heuristicSet.m_params.m_bRunPass2 = way.m_bRunPass2;
     request.m_nOrderSeed = way.m_nSeed;
-    TRunSettings settings;
-    settings.m_nThreads = way.m_nThreads;
-    settings.m_bQuickMode = way.m_bQuickMode;
+    const TRunSettings settings{
+        .m_nThreads = way.m_nThreads, .m_bQuickMode = way.m_bQuickMode, .m_overrides = {}};
     return Solve(request, settings);
 }
 
@@ -291,6 +248,14 @@ std::vector<std::string> SolutionsBy(const TChessboard& board, int nMate, const 
 {
     TSolveRequest request;
     return SortedTexts(SolveBy(request, board, nMate, way).m_vecSolutions);
+}
+
+void ExpectSolutions(const TChessboard& board, int nMate, const TWay& way,
+                     const std::vector<std::string>& vecExpected)
+{
+    EXPECT_EQ(SolutionsBy(board, nMate, way), vecExpected)
+        << WriteFen(board, true) << " #" << nMate << " with " << way.m_pSet << ", seed "
+        << way.m_nSeed;
 }
 
 constexpr TWay YARDSTICK = {"none", 1, 0, false};
@@ -309,14 +274,11 @@ constexpr TWay g_aWays[] = {
 
 TEST(Sorts, NoOrderChangesASolutionOfALongTask)
 {
-    for (const TLongTask& task : g_aLongTasks) {
-        const TChessboard board = BoardOf(task.m_pFen);
-        const auto vecExpected = SolutionsBy(board, task.m_nMate, YARDSTICK);
-        for (const TWay& way : g_aWays) {
-            EXPECT_EQ(SolutionsBy(board, task.m_nMate, way), vecExpected)
-                << task.m_pFen << " #" << task.m_nMate << " with " << way.m_pSet << ", seed "
-                << way.m_nSeed;
-        }
+    for (const auto& [pFen, nMate] : g_aLongTasks) {
+        const TChessboard board = BoardOf(pFen);
+        const auto vecExpected = SolutionsBy(board, nMate, YARDSTICK);
+        for (const TWay& way : g_aWays)
+            ExpectSolutions(board, nMate, way, vecExpected);
     }
 }
 
@@ -327,15 +289,10 @@ TEST(Sorts, NoOrderChangesASolutionOfAShortTask)
         const TChessboard board =
             i % 3 ? ComposedPosition(random) : RandomPosition(random, 3 + i % 10);
         const int nMate = i % 20 ? 2 + i % 2 : 4 + i % 40 / 20;
-        TSolveRequest plain;
-        plain.m_bPlain = true;
-        const auto vecExpected =
-            SortedTexts(SolveBy(plain, board, nMate, YARDSTICK).m_vecSolutions);
+        const auto vecExpected = SortedTexts(SolutionsOf(board, nMate, true));
         TWay way = g_aWays[static_cast<std::size_t>(i) % std::size(g_aWays)];
         way.m_nSeed += static_cast<std::uint32_t>(i);
-        EXPECT_EQ(SolutionsBy(board, nMate, way), vecExpected)
-            << WriteFen(board, true) << " #" << nMate << " with " << way.m_pSet << ", seed "
-            << way.m_nSeed;
+        ExpectSolutions(board, nMate, way, vecExpected);
     }
 }
 

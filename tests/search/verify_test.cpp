@@ -1,11 +1,7 @@
-#include "chess/fen.h"
 #include "chess/moveset.h"
-#include "search/solve.h"
 #include "search/verify.h"
-#include "support/data.h"
-#include "support/positions.h"
-
-#include <gtest/gtest.h>
+#include "support/chesstest.h"
+#include "support/taskrequest.h"
 
 namespace corvina
 {
@@ -20,9 +16,7 @@ TEST(Verify, ProofsHoldForTheSolutionsAndForNothingElse)
     for (int i = 0; i < 250; ++i) {
         const TChessboard board = ComposedPosition(random);
         const int nMate = i % 10 ? 2 : 3;
-        TSolveRequest request;
-        *request.m_pChessboard = board;
-        request.SetMateIn(nMate);
+        TTaskRequest request(board, nMate);
         request.m_bPlain = true;
         request.m_nMinRegisterPlies = 0;
         const std::vector<TMove> vecSolutions = Solve(request, {}).m_vecSolutions;

@@ -1,25 +1,17 @@
 #include "support/data.h"
 
+#include "support/positions.h"
+
 #include <algorithm>
 #include <cstdlib>
 #include <fstream>
 #include <map>
-#include <sstream>
 #include <stdexcept>
 
 namespace corvina
 {
 namespace
 {
-
-std::vector<std::string> Split(const std::string& strText, char separator)
-{
-    std::vector<std::string> vecParts;
-    std::istringstream input(strText);
-    for (std::string strPart; std::getline(input, strPart, separator);)
-        vecParts.push_back(strPart);
-    return vecParts;
-}
 
 /// "Sg8*f6" and "b7-b8=Q" as Corvina writes them: "Ng8:f6", "b7-b8Q".
 std::string OwnNotation(std::string strMove)
@@ -210,7 +202,8 @@ std::vector<TAnsweredTask> ReadAnsweredTasks(const std::string& strFile)
     for (TRow& row : ReadRows(strFile)) {
         TAnsweredTask task{row["fen"], std::stoi(row["n"]), {}};
         for (const std::string& strKey : Split(row["keys"], ','))
-            task.m_vecKeys.push_back(OwnNotation(strKey));
+            if (!strKey.empty())
+                task.m_vecKeys.push_back(OwnNotation(strKey));
         if (task.m_nMate == 0)
             task.m_nMate = 3;
         else if (task.m_vecKeys.empty())

@@ -1,7 +1,9 @@
 #include "support/positions.h"
 
 #include "chess/fen.h"
+#include "chess/notation.h"
 
+#include <algorithm>
 #include <stdexcept>
 
 namespace corvina
@@ -19,12 +21,19 @@ std::vector<std::string> Split(const std::string& strText, char separator)
     return vecParts;
 }
 
-TTestLine::TTestLine(const std::string& strFen, int nMoves) : context(nMoves)
+TChessboard BoardOf(const std::string& strFen)
 {
-    board.m_pThread = &context;
-    context.m_pRootBoard = &board;
+    TChessboard board;
     if (!ReadFen(board, strFen))
         throw std::invalid_argument("no FEN: " + strFen);
+    return board;
+}
+
+TTestLine::TTestLine(const std::string& strFen, int nMoves) : context(nMoves)
+{
+    board = BoardOf(strFen);
+    board.m_pThread = &context;
+    context.m_pRootBoard = &board;
     board.CheckStartPosition(static_cast<std::uint16_t>(nMoves), true);
 }
 
@@ -52,6 +61,15 @@ TChessboard& PlayMove(TChessboard& board, TMove move)
     if (!(board.IsWhiteToMove() ? child.MakeWhiteUserMove(&move) : child.MakeBlackUserMove(&move)))
         throw std::logic_error("the move is refused");
     return child;
+}
+
+std::vector<std::string> SortedKeys(const std::vector<TMove>& vecMoves, const TChessboard& board)
+{
+    std::vector<std::string> vecKeys;
+    for (const TMove& move : vecMoves)
+        vecKeys.push_back(PrintMove(move, board));
+    std::sort(vecKeys.begin(), vecKeys.end());
+    return vecKeys;
 }
 
 int HalfMovesFor(const std::string& strFen, int nPlies)

@@ -26,6 +26,9 @@ std::string FailureText(F operation)
 /// The parts of a text between the separators.
 std::vector<std::string> Split(const std::string& strText, char separator);
 
+/// The position of a FEN. Throws std::invalid_argument for a text that is none.
+TChessboard BoardOf(const std::string& strFen);
+
 /// A root position with a line of its own. Throws std::invalid_argument for a text that is no FEN
 /// and ChessException for a position that is no start position of a task.
 struct TTestLine
@@ -44,6 +47,9 @@ std::vector<TMove> LegalMoves(TChessboard& board);
 /// Makes a legal move in the next slot of the thread's stack. Throws std::logic_error when the move
 /// is refused.
 TChessboard& PlayMove(TChessboard& board, TMove move);
+
+/// Moves of a position in full notation, in alphabetical order.
+std::vector<std::string> SortedKeys(const std::vector<TMove>& vecMoves, const TChessboard& board);
 
 /// Half-moves for a line of nPlies with the side to move that the FEN's second field names, with at
 /// least one to spare.

@@ -163,25 +163,16 @@ private:
 
 std::vector<std::string> CTypist::Options(const TProblem& problem)
 {
-    const std::pair<std::uint32_t, const char*> aFlags[] = {
-        {0x1, "NoMirror"},
-        {0x2, "AllSolutions"},
-        {0x8, "StopOnDual"},
-        {0x10, "StopOn3Sol"},
-        {0x8000, "StopOn4Sol"},
-        {0x20, "UseMainVariantAsSortIndications"},
-        {0x40, "NoGlobReg"},
-        {0x80, "SafeMode"},
-        {0x100, "MirrorOnly"},
-        {0x2000, "RequiresSyzygy"},
-        {0x10000, "HybridBruteForce"},
-        {0x20000, "BruteForce"},
-        {0x4000, "AllSolutionsRequiresSyzygy"},
-    };
+    // By the numbers of their bits.
+    const std::vector<std::string> vecFlags =
+        Split("NoMirror|AllSolutions||StopOnDual|StopOn3Sol|UseMainVariantAsSortIndications|"
+              "NoGlobReg|SafeMode|MirrorOnly|||||RequiresSyzygy|AllSolutionsRequiresSyzygy|"
+              "StopOn4Sol|HybridBruteForce|BruteForce",
+              '|');
     std::vector<std::string> vecOptions;
-    for (const auto& [nBit, pWord] : aFlags) {
-        if (problem.m_nRunOptions & nBit)
-            vecOptions.push_back(Word(pWord));
+    for (std::size_t nBit = 0; nBit < vecFlags.size(); ++nBit) {
+        if (!vecFlags[nBit].empty() && (problem.m_nRunOptions >> nBit & 1))
+            vecOptions.push_back(Word(vecFlags[nBit]));
     }
     const auto add = [&](bool bWanted, const char* pWord, const std::string& strArgument) {
         if (bWanted)

@@ -145,9 +145,7 @@ std::vector<TMove> TSlowPosition::LegalMoves() const
         move.m_to = static_cast<std::uint8_t>(fromTo % 64);
         if (!HasColour(move.m_from, m_toMove) || !IsPseudoLegal(move.m_from, move.m_to))
             continue;
-        TSlowPosition next = *this;
-        next.Play(move);
-        if (next.InCheck(m_toMove))
+        if (After(move).InCheck(m_toMove))
             continue;
         const bool bLastRow = move.m_to / 8 == 0 || move.m_to / 8 == 7;
         if (KindOf(move.m_from) != KIND_PAWN || !bLastRow) {

@@ -51,6 +51,17 @@ struct TSlowPosition
 
     std::vector<TMove> LegalMoves() const;
 
+    /// The side to move is mated.
+    bool IsMate() const { return InCheck(m_toMove) && LegalMoves().empty(); }
+
+    /// The position after a pseudo-legal move, or a pass.
+    TSlowPosition After(const TMove& move) const
+    {
+        TSlowPosition next = *this;
+        next.Play(move);
+        return next;
+    }
+
     /// Makes a pseudo-legal move, or passes.
     void Play(const TMove& move);
 

@@ -1,16 +1,10 @@
-#include "chess/fen.h"
-#include "chess/notation.h"
+#include "chess/moveset.h"
 #include "search/guides/proofsearch.h"
 #include "search/guides/scout.h"
-#include "search/solve.h"
 #include "search/verify.h"
-#include "support/data.h"
-#include "support/randomproblems.h"
+#include "support/chesstest.h"
+#include "support/taskrequest.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <random>
 #include <thread>
 
 namespace corvina
@@ -24,65 +18,17 @@ constexpr std::uint64_t ENOUGH = 5'000'000; ///< positions to settle a short tas
 struct TSolvedTask
 {
     TSolvedTask(const TChessboard& board, int nMate)
+        : m_request(board, nMate), m_vecSolutions(Solve(m_request, {}).m_vecSolutions)
     {
-        *m_request.m_pChessboard = board;
-        m_request.SetMateIn(nMate);
-        TRunSettings settings;
-        m_vecSolutions = Solve(m_request, settings).m_vecSolutions;
     }
 
     const TChessboard& Root() const { return *m_request.m_pChessboard; }
     std::string Fen() const { return WriteFen(Root(), true); }
-    bool IsSolution(const TMove& move) const
-    {
-        return std::any_of(m_vecSolutions.begin(), m_vecSolutions.end(),
-                           [&](const TMove& solution) { return IsSameMove(move, solution); });
-    }
+    bool IsSolution(const TMove& move) const { return ContainsMove(m_vecSolutions, move); }
 
-    TSolveRequest m_request;
+    TTaskRequest m_request;
     std::vector<TMove> m_vecSolutions;
 };
-
-TEST(ProofSearch, AgreesWithTheMainSearch)
-{
-    std::mt19937 random(31);
-    int nMates = 0, nRefuted = 0;
-    for (int nMate = 3; nMate <= 4; ++nMate) {
-        const int nTasks = nMate == 3 ? 300 : 25;
-        for (int i = 0; i < nTasks; ++i) {
-            const TSolvedTask task(
-                i % 3 ? ComposedPosition(random) : RandomPosition(random, 4 + i % 6), nMate);
-            TProofTable table;
-            TProofSearch search(task.Root(), table, 0);
-            const auto answer = search.Search(ENOUGH);
-            const bool bMate = !task.m_vecSolutions.empty();
-            EXPECT_EQ(answer, bMate ? TProofSearch::EAnswer::Mate : TProofSearch::EAnswer::NoMate)
-                << task.Fen() << " #" << nMate;
-            ++(bMate ? nMates : nRefuted);
-            if (answer != TProofSearch::EAnswer::Mate)
-                continue;
-            const auto key = search.Confirm();
-            ASSERT_TRUE(key.has_value()) << task.Fen() << " #" << nMate;
-            EXPECT_TRUE(task.IsSolution(*key)) << task.Fen() << " #" << nMate;
-        }
-    }
-    EXPECT_GT(nMates, 30);
-    EXPECT_GT(nRefuted, 50);
-}
-
-/// White mates in two and is asked for four: the root comes up again below itself.
-TEST(ProofSearch, ConfirmsAShorterMate)
-{
-    TChessboard board;
-    ASSERT_TRUE(ReadFen(board, "8/2R4p/7P/8/k7/8/1K6/3R4"));
-    const TSolvedTask task(board, 4);
-    TProofTable table;
-    TProofSearch search(task.Root(), table, 0);
-    ASSERT_EQ(search.Search(ENOUGH), TProofSearch::EAnswer::Mate);
-    const auto key = search.Confirm();
-    ASSERT_TRUE(key.has_value());
-    EXPECT_TRUE(task.IsSolution(*key));
-}
 
 /// Any moves to try early or late, of the first two moves or in general.
 std::string RandomIndications(std::mt19937& random, const TChessboard& root)
@@ -100,35 +46,50 @@ std::string RandomIndications(std::mt19937& random, const TChessboard& root)
     return strItems;
 }
 
-TEST(ProofSearch, IndicationsChangeNoAnswer)
+/// Half of the tasks of three moves have indications, which change no answer.
+TEST(ProofSearch, AgreesWithTheMainSearch)
 {
-    std::mt19937 random(35);
-    int nMates = 0;
-    for (int i = 0; i < 300; ++i) {
-        TSolvedTask task(ComposedPosition(random), 3);
-        const std::string strItems = RandomIndications(random, task.Root());
-        if (strItems.empty())
-            continue;
-        ParseSortIndications(task.m_request.m_mapSortIndications, strItems);
+    std::mt19937 random(31);
+    int anMates[2] = {}, nRefuted = 0;
+    for (int i = 0; i < 625; ++i) {
+        const bool bIndications = i < 300;
+        TSolvedTask task(i % 3 ? ComposedPosition(random) : RandomPosition(random, 4 + i % 6),
+                         i < 600 ? 3 : 4);
+        const std::string strItems = bIndications ? RandomIndications(random, task.Root()) : "";
+        if (!strItems.empty())
+            ParseSortIndications(task.m_request.m_mapSortIndications, strItems);
         TProofTable table;
         TProofSearch search(task.Root(), table, 0);
-        const bool bMate = search.Search(ENOUGH) == TProofSearch::EAnswer::Mate;
-        EXPECT_EQ(bMate, !task.m_vecSolutions.empty()) << task.Fen() << " " << strItems;
-        nMates += bMate;
-        if (bMate) {
-            const auto key = search.Confirm();
-            EXPECT_TRUE(key && task.IsSolution(*key)) << task.Fen() << " " << strItems;
-        }
+        const auto answer = search.Search(ENOUGH);
+        const bool bMate = !task.m_vecSolutions.empty();
+        EXPECT_EQ(answer, bMate ? TProofSearch::EAnswer::Mate : TProofSearch::EAnswer::NoMate)
+            << task.Fen() << " " << strItems;
+        ++(bMate ? anMates[bIndications] : nRefuted);
+        if (answer != TProofSearch::EAnswer::Mate)
+            continue;
+        const auto key = search.Confirm();
+        EXPECT_TRUE(key && task.IsSolution(*key)) << task.Fen() << " " << strItems;
     }
-    EXPECT_GT(nMates, 20);
+    EXPECT_GT(anMates[false], 30);
+    EXPECT_GT(anMates[true], 20);
+    EXPECT_GT(nRefuted, 50);
+}
+
+/// White mates in two and is asked for four: the root comes up again below itself.
+TEST(ProofSearch, ConfirmsAShorterMate)
+{
+    const TSolvedTask task(BoardOf("8/2R4p/7P/8/k7/8/1K6/3R4"), 4);
+    TProofTable table;
+    TProofSearch search(task.Root(), table, 0);
+    ASSERT_EQ(search.Search(ENOUGH), TProofSearch::EAnswer::Mate);
+    const auto key = search.Confirm();
+    EXPECT_TRUE(key && task.IsSolution(*key));
 }
 
 /// Positions that the proof takes with these indications.
 std::uint64_t PositionsToProve(const char* pFen, int nMate, const char* pItems)
 {
-    TSolveRequest request;
-    EXPECT_TRUE(ReadFen(*request.m_pChessboard, pFen));
-    request.SetMateIn(nMate);
+    TTaskRequest request(BoardOf(pFen), nMate);
     request.m_pChessboard->m_pRequest = &request;
     if (*pItems)
         ParseSortIndications(request.m_mapSortIndications, pItems);
@@ -209,13 +170,10 @@ TEST(Scout, FindsLongMatesThatHold)
     for (const TCase& test :
          {TCase{"8/8/8/3k4/8/8/8/KQ6", 10, 1}, TCase{"8/8/8/8/8/1K6/3k4/R7", 12, 3}})
     {
-        TSolveRequest request;
-        ASSERT_TRUE(ReadFen(*request.m_pChessboard, test.m_pFen));
-        request.SetMateIn(test.m_nMate);
+        TTaskRequest request(BoardOf(test.m_pFen), test.m_nMate);
         request.m_bProofSearch = true;
-        TRunSettings settings;
-        settings.m_bStopAtFirstSolution = true;
-        settings.m_nThreads = test.m_nThreads;
+        const TRunSettings settings{
+            .m_nThreads = test.m_nThreads, .m_bStopAtFirstSolution = true, .m_overrides = {}};
         const TSolveOutcome outcome = Solve(request, settings);
         ASSERT_EQ(outcome.m_vecSolutions.size(), 1u) << test.m_pFen;
         EXPECT_FALSE(outcome.m_bStopped);
@@ -266,34 +224,16 @@ TEST(ProofTable, BoundsAndNumbers)
 TEST(ProofTable, KeysTellRightsApart)
 {
     const auto keyOf = [](const char* pFen) {
-        TSolveRequest request;
-        EXPECT_TRUE(ReadFen(*request.m_pChessboard, pFen)) << pFen;
-        request.SetMateIn(3);
-        return TProofTable::KeyOf(*request.m_pChessboard);
+        const TTestLine line(pFen, 5);
+        return TProofTable::KeyOf(line.board);
     };
     EXPECT_NE(keyOf("4k3/8/8/8/8/8/8/R3K3"), keyOf("4k3/8/8/8/8/8/8/1R2K3"));
     EXPECT_NE(keyOf("4k3/8/8/8/8/8/8/R3K3"), keyOf("4k3/8/8/8/8/8/R7/4K3"));
 
     // The rook has been away and is back: the squares are the same, the right is gone.
-    TSolveRequest request;
-    ASSERT_TRUE(ReadFen(*request.m_pChessboard, "4k3/8/8/8/8/8/8/R3K3"));
-    request.SetMateIn(5);
-    TThreadContext context(9);
-    TChessboard* pBoard = request.m_pChessboard.get();
-    pBoard->m_pRequest = &request;
-    pBoard->CheckStartPosition(9, true);
-    pBoard->m_pThread = &context;
-    context.m_pRootBoard = pBoard;
-    const std::uint64_t nKey = TProofTable::KeyOf(*pBoard);
-    constexpr unsigned aLine[][2] = {{0, 1}, {60, 59}, {1, 0}, {59, 60}};
-    for (const auto& ends : aLine) {
-        TMove move{static_cast<std::uint8_t>(ends[0]), static_cast<std::uint8_t>(ends[1]), 0, 0};
-        TChessboard& child = context.MakeChild(*pBoard);
-        ASSERT_TRUE(pBoard->IsWhiteToMove() ? child.MakeWhiteMove(&move)
-                                            : child.MakeBlackMove(&move));
-        pBoard = &child;
-    }
-    EXPECT_NE(TProofTable::KeyOf(*pBoard), nKey);
+    TTestLine line("4k3/8/8/8/8/8/8/R3K3", 9);
+    const TChessboard* pBack = PlayMoves(line.board, "Rb1 Kd8 Ra1 Ke8");
+    EXPECT_NE(TProofTable::KeyOf(*pBack), TProofTable::KeyOf(line.board));
 }
 
 } // namespace

@@ -1,15 +1,11 @@
-#include "chess/fen.h"
+#include "chess/moveset.h"
 #include "search/guides/graphsearch.h"
 #include "search/guides/toursearch.h"
-#include "search/solve.h"
-#include "search/verify.h"
-#include "support/data.h"
+#include "support/chesstest.h"
+#include "support/taskrequest.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
 #include <array>
-#include <random>
+#include <set>
 
 namespace corvina
 {
@@ -52,6 +48,22 @@ struct TPlainGraph
     std::vector<int> m_anMate;
 };
 
+/// Up to so many different nodes.
+std::vector<std::uint32_t> RandomReplies(std::mt19937& random, std::size_t nNodes,
+                                         std::size_t nReplies)
+{
+    std::set<std::uint32_t> setReplies;
+    for (; nReplies > 0; --nReplies)
+        setReplies.insert(static_cast<std::uint32_t>(random() % nNodes));
+    return {setReplies.begin(), setReplies.end()};
+}
+
+TPlainGraph::TMoveOfNode RandomMove(std::mt19937& random, std::size_t nNodes)
+{
+    const auto nNode = static_cast<std::uint32_t>(random() % nNodes);
+    return {nNode, RandomReplies(random, nNodes, 1 + random() % 3)};
+}
+
 TEST(TourGraph, FindsTheShortestMates)
 {
     std::mt19937 random(51);
@@ -64,14 +76,7 @@ TEST(TourGraph, FindsTheShortestMates)
         for (unsigned i = 0; i < nNodes; ++i)
             ASSERT_EQ(graph.Add((std::uint64_t{i} << 40) + i % 7, 3), i);
         for (unsigned i = 0; i < 3 * nNodes; ++i) {
-            TPlainGraph::TMoveOfNode move{static_cast<std::uint32_t>(random() % nNodes), {}};
-            const unsigned nReplies = 1 + random() % 3;
-            for (unsigned k = 0; k < nReplies; ++k) {
-                const auto nReply = static_cast<std::uint32_t>(random() % nNodes);
-                if (std::find(move.m_vecReplies.begin(), move.m_vecReplies.end(), nReply) ==
-                    move.m_vecReplies.end())
-                    move.m_vecReplies.push_back(nReply);
-            }
+            const TPlainGraph::TMoveOfNode move = RandomMove(random, nNodes);
             graph.AddMove(move.m_nNode, static_cast<std::uint8_t>(i % 200), move.m_vecReplies);
             plain.m_vecMoves.push_back(move);
             if (i % nNodes == 0) {
@@ -150,17 +155,8 @@ TEST(MateGraph, GrowsToAMateIfThereIsOne)
         const unsigned nNodes = 2 + random() % 60;
         TPlainGraph plain(nNodes);
         std::vector<bool> vecMateInOne(nNodes, false);
-        for (unsigned i = 0; i < std::min(250u, 3 * nNodes); ++i) {
-            TPlainGraph::TMoveOfNode move{static_cast<std::uint32_t>(random() % nNodes), {}};
-            const unsigned nFirst = random() % nNodes;
-            const unsigned nReplies = 1 + random() % 3;
-            for (unsigned k = 0; k < nReplies; ++k)
-                move.m_vecReplies.push_back((nFirst + k * 7) % nNodes);
-            std::sort(move.m_vecReplies.begin(), move.m_vecReplies.end());
-            move.m_vecReplies.erase(std::unique(move.m_vecReplies.begin(), move.m_vecReplies.end()),
-                                    move.m_vecReplies.end());
-            plain.m_vecMoves.push_back(move);
-        }
+        for (unsigned i = 0; i < std::min(250u, 3 * nNodes); ++i)
+            plain.m_vecMoves.push_back(RandomMove(random, nNodes));
         for (unsigned i = 0; i <= nNodes / 10; ++i) {
             const auto nMated = static_cast<std::uint32_t>(1 + random() % (nNodes - 1));
             vecMateInOne[nMated] = true;
@@ -206,12 +202,8 @@ TEST(MateGraph, KeepsCostsAndMatesUpToDate)
             const auto nNode = static_cast<std::uint32_t>(random() % kept.Size());
             if (!vecUnopened.empty() && random() % 3) {
                 std::swap(vecUnopened[random() % vecUnopened.size()], vecUnopened.back());
-                std::vector<std::uint32_t> vecReplies;
-                for (auto i = random() % 4; i > 0; --i)
-                    vecReplies.push_back(add(static_cast<std::uint32_t>(random() % 40)));
-                std::sort(vecReplies.begin(), vecReplies.end());
-                vecReplies.erase(std::unique(vecReplies.begin(), vecReplies.end()),
-                                 vecReplies.end());
+                std::vector<std::uint32_t> vecReplies = RandomReplies(random, 40, random() % 4);
+                std::transform(vecReplies.begin(), vecReplies.end(), vecReplies.begin(), add);
                 for (TMateGraph* pGraph : graphs)
                     pGraph->OpenMove(vecUnopened.back(), vecReplies);
                 vecUnopened.pop_back();
@@ -251,36 +243,12 @@ TEST(MateGraph, KeepsCostsAndMatesUpToDate)
     EXPECT_GT(nMates, 200);
 }
 
-/// A root for searches of their own.
-struct TTourTask
-{
-    TTourTask(const TChessboard& board, int nMate)
-    {
-        *m_request.m_pChessboard = board;
-        m_request.SetMateIn(nMate);
-        m_root = *m_request.m_pChessboard;
-        m_root.m_pRequest = &m_request;
-        m_root.CheckStartPosition(static_cast<std::uint16_t>(2 * nMate - 1), true);
-    }
-
-    TSolveRequest m_request;
-    TChessboard m_root;
-};
-
-std::vector<TMove> SolutionsOf(const TChessboard& board, int nMate)
-{
-    TSolveRequest request;
-    *request.m_pChessboard = board;
-    request.SetMateIn(nMate);
-    return Solve(request, TRunSettings()).m_vecSolutions;
-}
-
 /// What a graph claims is among the solutions of the main search. Against a bare king it leaves
 /// nothing out, so that it finds each mate, and none where there is none.
 template <class TSearch>
 void CompareWithMainSearch(const TChessboard& board, int nMate, bool bComplete, int* pnMates)
 {
-    TTourTask task(board, nMate);
+    TRootTask task(board, nMate);
     ASSERT_TRUE(TSideSearch::CanSearch(task.m_root));
     TSearch tours(task.m_root, 0);
     const auto answer = tours.Search(bComplete ? ENOUGH : ENOUGH / 50);
@@ -296,14 +264,7 @@ void CompareWithMainSearch(const TChessboard& board, int nMate, bool bComplete, 
     ++*pnMates;
     const auto key = tours.Confirm();
     ASSERT_TRUE(key.has_value()) << strTask;
-    EXPECT_TRUE(std::any_of(vecSolutions.begin(), vecSolutions.end(), [&](const TMove& solution) {
-        return IsSameMove(*key, solution);
-    })) << strTask;
-}
-
-bool HasMateInOne(const TChessboard& board)
-{
-    return !SolutionsOf(board, 1).empty();
+    EXPECT_TRUE(ContainsMove(vecSolutions, *key)) << strTask;
 }
 
 template <class TSearch>
@@ -319,7 +280,8 @@ TYPED_TEST(SideSearch, AgreesWithTheMainSearch)
     int nMates = 0, nTasks = 0;
     while (nTasks < 75) {
         const TChessboard board = ComposedPosition(random);
-        if (board.GetCastlingRights(true) || board.GetCastlingRights(false) || HasMateInOne(board))
+        if (board.GetCastlingRights(true) || board.GetCastlingRights(false) ||
+            !SolutionsOf(board, 1).empty())
             continue;
         CompareWithMainSearch<TypeParam>(board, 3, false, &nMates);
         ++nTasks;
@@ -332,10 +294,8 @@ TYPED_TEST(SideSearch, AgreesWithTheMainSearch)
           "8/8/8/8/8/3K4/R7/4k3", "8/2P5/8/8/8/2K5/8/1k6", "7k/8/5K2/8/8/8/8/R7",
           "8/8/8/8/5R2/8/3K4/k7"})
     {
-        TChessboard board;
-        ASSERT_TRUE(ReadFen(board, pFen));
         for (int nMate = 3; nMate <= 4; ++nMate)
-            CompareWithMainSearch<TypeParam>(board, nMate, true, &nMates), ++nBare;
+            CompareWithMainSearch<TypeParam>(BoardOf(pFen), nMate, true, &nMates), ++nBare;
     }
     EXPECT_GT(nMates, 3);
     EXPECT_LT(nMates, nBare);
@@ -344,9 +304,7 @@ TYPED_TEST(SideSearch, AgreesWithTheMainSearch)
 /// No mate with a rook takes more than 16 moves.
 TYPED_TEST(SideSearch, StopsAndGoesOn)
 {
-    TChessboard board;
-    ASSERT_TRUE(ReadFen(board, "8/8/8/8/8/2k5/R7/K7"));
-    TTourTask task(board, 16);
+    TRootTask task(BoardOf("8/8/8/8/8/2k5/R7/K7"), 16);
     TypeParam tours(task.m_root, 3);
     EXPECT_EQ(tours.Search(5'000), TSideSearch::EAnswer::Open);
     task.m_request.StopThread(3);
@@ -358,8 +316,7 @@ TYPED_TEST(SideSearch, StopsAndGoesOn)
     EXPECT_TRUE(tours.Confirm().has_value());
 
     // Rights to castle aren't in the graphs.
-    ASSERT_TRUE(ReadFen(board, "4k3/8/8/8/8/8/8/R3K3"));
-    EXPECT_FALSE(TSideSearch::CanSearch(TTourTask(board, 16).m_root));
+    EXPECT_FALSE(TSideSearch::CanSearch(TRootTask(BoardOf("4k3/8/8/8/8/8/8/R3K3"), 16).m_root));
 }
 
 /// Mates of 40 and more moves that nothing else finds in this time.
@@ -372,9 +329,7 @@ TYPED_TEST(SideSearch, FindsMatesOfTheDataFolder)
     for (const TAnsweredTask& row : ReadLongTasks("mates-dev.tsv", 40)) {
         if (nMates == ENOUGH_MATES)
             break;
-        TChessboard board;
-        ASSERT_TRUE(ReadFen(board, row.m_strFen));
-        TTourTask task(board, row.m_nMate);
+        TRootTask task(BoardOf(row.m_strFen), row.m_nMate);
         if (!TSideSearch::CanSearch(task.m_root))
             continue;
         TypeParam tours(task.m_root, 0);
