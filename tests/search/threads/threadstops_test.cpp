@@ -84,9 +84,19 @@ std::chrono::milliseconds TimeToStop(const TForm& form, int nMilliseconds, bool 
     ReadHeuristicsText(pSet, request.m_heuristicSet, &board);
     // Groups beyond the levels without a wait for the last first move.
     request.OnPassStart = [&](std::uint32_t) { request.m_bLastMoveStarted = form.m_bBruteForce; };
+    const TSharingCounts& counts = request.m_sharingCounts;
+    const auto hasBegun = [&] {
+        return (counts.m_nGroups > 0 || !form.HasGroups()) &&
+               (counts.m_nExtraGroups > 0 || !form.m_bBruteForce) &&
+               (counts.m_nSchedulers > 0 || form.m_nSchedulerLevels == 0);
+    };
+    const bool bShares = pFen == ENDLESS && nMate == 14;
     std::chrono::steady_clock::time_point tStopped;
     std::jthread stopper([&] {
         std::this_thread::sleep_for(std::chrono::milliseconds(nMilliseconds));
+        // A busy machine takes longer to come to the nodes that share their moves.
+        for (int i = 0; bShares && !hasBegun() && i < 2000; ++i)
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
         if (bPaused) {
             request.SetStopState(TStopBlock::PAUSE, ALL);
             std::this_thread::sleep_for(std::chrono::milliseconds(30));
@@ -97,12 +107,10 @@ std::chrono::milliseconds TimeToStop(const TForm& form, int nMilliseconds, bool 
     TRunSettings settings = SettingsOf(form);
     settings.m_bStopAtFirstSolution = bScout;
     EXPECT_TRUE(Solve(request, settings).m_bStopped);
-    EXPECT_EQ(request.m_sharingCounts.m_nFailures, 0u);
-    if (pFen == ENDLESS && nMate == 14) {
-        EXPECT_EQ(request.m_sharingCounts.m_nGroups > 0, form.HasGroups());
-        EXPECT_EQ(request.m_sharingCounts.m_nExtraGroups > 0, form.m_bBruteForce);
-        EXPECT_EQ(request.m_sharingCounts.m_nSchedulers > 0, form.m_nSchedulerLevels > 0);
-    }
+    EXPECT_EQ(counts.m_nFailures, 0u);
+    EXPECT_TRUE(!bShares || hasBegun()) << form.Text();
+    EXPECT_TRUE(form.HasGroups() || counts.m_nGroups == 0);
+    EXPECT_TRUE(form.m_nSchedulerLevels > 0 || counts.m_nSchedulers == 0);
     return std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() -
                                                                  tStopped);
 }
