@@ -58,7 +58,9 @@ constexpr TPredefinedLine g_aLines[] = {
      "1. Nd1-b2 Rh7-h4 2. Kg4:h4 Ng3-f1 3. Nb2-c4+ Ke5-f4 4. Bd5:c6 Nf1-h2 5. Rd7:e7 Nh2-f3 6. "
      "Kh4-h3 Nf3-h4 7. Kh3:h4 Kf4-f3 8. Re7-f7+ Kf3-e2 9. Rf7-f2+ Ke2-e1 10. Bc6-b5 Ke1-d1 11. "
      "Bb5-a4+ Kd1-e1 12. Nc4-e5 c5-c4 13. Ne5-f3#"},
-    {"2b2b2/2B2p1r/1n1r3p/8/1P1P1P2/2n1P1k1/1N3N2/4K2Q", nullptr},
+    {"2b2b2/2B2p1r/1n1r3p/8/1P1P1P2/2n1P1k1/1N3N2/4K2Q",
+     "1. Ke1-f1 Bc8-a6 2. b4-b5 Ba6:b5 3. Kf1-e1 Bb5-d7 4. Bc7-d8 f7-f6 5. Ke1-f1 Bd7-b5 6. Nb2-c4 "
+     "Bb5:c4 7. Kf1-e1 Bc4-e6 8. Bd8:f6 Bf8-e7 9. f4-f5 Nc3-b1 10. Qh1-h3#"},
     {"4K3/p7/6Rp/1NppkB1r/nBP1p3/4N2n/3p1P2/2b2R2",
      "1. Bb4-a5 Na4-b6 2. Ba5-c3+ Ke5-f4 3. Bf5-g4 Rh5-e5 4. Bc3:e5+ Kf4:e5 5. f2-f4+ e4:f3 6. "
      "Rg6-e6+ Ke5-f4 7. Rf1:f3+ Kf4-g5 8. Rf3-f5+ Kg5-h4 9. Re6:h6+ Kh4-g3 10. Rh6:h3#"},
@@ -135,15 +137,15 @@ constexpr TPredefinedLine g_aLines[] = {
     {"2K3bN/6n1/kbQ1p3/p6n/p5p1/8/6p1/8",
      "1. Qc6-c4+ Ka6-a7 2. Qc4-e4 Ka7-a6 3. Qe4-e2+ Ka6-a7 4. Qe2:g2 Ka7-a6 5. Qg2-e2+ Ka6-a7 6. "
      "Qe2-e4 Ka7-a6 7. Qe4-c4+ Ka6-a7 8. Qc4-c6 Ka7-a6 9. Nh8-f7 Bg8:f7 10. Qc6-c4+ Ka6-a7 11. "
-     "Qc4-e4 Ka7-a6 12. Qe4-e2+ Ka6-a7 13. Qe2-g2 Ka7-a6 14. Qg2-f1+ Ka6-a7 15. Qf1:f7+ Ka7-a6 "
-     "16. Qf7-f1+ Ka6-a7 17. Qf1-g2 Ka7-a6 18. Qg2-e2+ Ka6-a7 19. Qe2-e4 Ka7-a6 20. Qe4-c4+ "
-     "Ka6-a7 21. Qc4-c6 Ka7-a6 22. Kc8-b8 a4-a3 23. Qc6-c4#"},
+     "Qc4-e4 Ka7-a6 12. Qe4-e2+ Ka6-a7 13. Qe2-g2 Ka7-a6 14. Qg2-f1+ Ka6-a7 15. Qf1:f7+ Ka7-a6 16. "
+     "Qf7-f1+ Ka6-a7 17. Qf1-g2 Ka7-a6 18. Qg2-e2+ Ka6-a7 19. Qe2-e4 Ka7-a6 20. Qe4-c4+ Ka6-a7 21. "
+     "Qc4-c6 Ka7-a6 22. Kc8-b8 a4-a3 23. Qc6-c4#"},
     {"5Q2/8/p7/1p6/8/5K2/3r4/4k1b1",
      "1. Qf8-b4 Bg1-f2 2. Qb4-b1+ Rd2-d1 3. Qb1-c2 Rd1-d2 4. Qc2-c1+ Rd2-d1 5. Qc1-c3+ Rd1-d2 6. "
      "Qc3-b4 a6-a5 7. Qb4-b1+ Rd2-d1 8. Qb1-c2 Rd1-d2 9. Qc2-c1+ Rd2-d1 10. Qc1-c3+ Rd1-d2 11. "
      "Qc3-a1+ Rd2-d1 12. Qa1:a5+ b5-b4 13. Qa5:b4+ Rd1-d2 14. Qb4-e4+ Ke1-f1 15. Qe4-c4+ Kf1-e1 "
-     "16. Qc4-b4 Bf2-d4 17. Qb4-b1+ Rd2-d1 18. Qb1-c2 Rd1-d2 19. Qc2-e4+ Bd4-e3 20. Qe4-b1+ "
-     "Rd2-d1 21. Qb1-c2 Rd1-d2 22. Qc2-c1+ Rd2-d1 23. Qc1:e3+ Ke1-f1 24. Qe3-f2#"},
+     "16. Qc4-b4 Bf2-d4 17. Qb4-b1+ Rd2-d1 18. Qb1-c2 Rd1-d2 19. Qc2-e4+ Bd4-e3 20. Qe4-b1+ Rd2-d1 "
+     "21. Qb1-c2 Rd1-d2 22. Qc2-c1+ Rd2-d1 23. Qc1:e3+ Ke1-f1 24. Qe3-f2#"},
     {"n7/6nb/BB1P1pNq/2PkPN2/5pP1/4pP1p/P1p2bp1/2K5", nullptr},
     {"1b3K2/r1p1B3/2P1p3/1P2k3/8/P1P1NbPp/3N1P2/8",
      "1. Be7-g5 Ke5-d6 2. Nd2-e4+ Kd6-e5 3. Ne4-c5 Ke5-d6 4. Bg5-e7+ Kd6-e5 5. Kf8-f7 Bf3-h5 6. "
@@ -176,8 +178,8 @@ constexpr TPredefinedLine g_aLines[] = {
     {"8/8/8/5Q2/5p2/p7/1p2p3/kN1K4",
      "1. Kd1-d2 a3-a2 2. Qf5-a5 Ka1:b1 3. Qa5-f5+ Kb1-a1 4. Qf5-f6 Ka1-b1 5. Qf6-g6+ Kb1-a1 6. "
      "Qg6-g7 e2-e1Q 7. Kd2:e1 Ka1-b1 8. Qg7-g6+ Kb1-a1 9. Qg6-f6 Ka1-b1 10. Qf6-f5+ Kb1-a1 11. "
-     "Qf5-e5 Ka1-b1 12. Qe5-e4+ Kb1-c1 13. Qe4-c4+ Kc1-b1 14. Qc4-d3+ Kb1-a1 15. Qd3-d4 f4-f3 "
-     "16. Ke1-f2 Ka1-b1 17. Qd4-d1#"},
+     "Qf5-e5 Ka1-b1 12. Qe5-e4+ Kb1-c1 13. Qe4-c4+ Kc1-b1 14. Qc4-d3+ Kb1-a1 15. Qd3-d4 f4-f3 16. "
+     "Ke1-f2 Ka1-b1 17. Qd4-d1#"},
     {"1Nb5/2p1pp2/5np1/1pp1rp2/2R4P/1N2kpP1/1K1R4/8",
      "1. Rc4-c1 f3-f2 2. Rc1-c3+ Ke3-e4 3. Rd2-e2+ Ke4-d5 4. Rc3:c5+ Kd5-d6 5. Rc5-c6+ Kd6-d5 6. "
      "Re2-d2+ Kd5-e4 7. Rc6-c3 c7-c5 8. Rd2-e2+ Ke4-d5 9. Rc3:c5+ Kd5-d6 10. Rc5-c6+ Kd6-d5 11. "
@@ -222,9 +224,9 @@ constexpr TPredefinedLine g_aLines[] = {
      "Nd8-e6+ Kd4-e5 7. Bg5-f4+ Ke5-f6 8. Ne6-c7 Kf6-g7 9. Bf4-g5 Rh2:e2 10. Nc7-e8+ Kg7-f8 11. "
      "Bg5-h6+ Bh8-g7 12. Bh6:g7#"},
     {"7n/6p1/2KNNpP1/3P2r1/pp3p1P/k1pppP2/nrb1P3/2q5",
-     "1. Nd6-b5+ Ka3-b3 2. Ne6-c5+ Kb3-c4 3. Nb5-d6+ Kc4-d4 4. Nc5-e6+ Kd4-e5 5. Nd6-c4+ Ke5-f5 "
-     "6. Ne6-f8 Nh8:g6 7. Nc4-d6+ Kf5-e5 8. Nf8-d7+ Ke5-d4 9. Nd6-b5+ Kd4-c4 10. Nd7-b6+ Kc4-b3 "
-     "11. Nb5-d4+ Kb3-a3 12. Nb6-c4#"},
+     "1. Nd6-b5+ Ka3-b3 2. Ne6-c5+ Kb3-c4 3. Nb5-d6+ Kc4-d4 4. Nc5-e6+ Kd4-e5 5. Nd6-c4+ Ke5-f5 6. "
+     "Ne6-f8 Nh8:g6 7. Nc4-d6+ Kf5-e5 8. Nf8-d7+ Ke5-d4 9. Nd6-b5+ Kd4-c4 10. Nd7-b6+ Kc4-b3 11. "
+     "Nb5-d4+ Kb3-a3 12. Nb6-c4#"},
     {"B2K2n1/3P1p2/np1pk3/4p1RN/2Rp3P/rP5q/4P3/bb6",
      "1. Nh5-g7+ Ke6-f6 2. Ng7-e8+ Kf6-e6 3. Rc4-c6 Ke6-d5 4. Rc6-c2+ Kd5-e6 5. e2-e4 d4:e3 6. "
      "Rc2-c6 Ke6-d5 7. Rc6-c4+ Kd5-e6 8. Ne8-g7+ Ke6-f6 9. Ng7-h5+ Kf6-e6 10. Ba8-d5+ Ke6:d5 11. "
