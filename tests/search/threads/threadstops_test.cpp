@@ -4,11 +4,10 @@
 #include "search/enginecommand.h"
 #include "search/threads/sharing.h"
 #include "support/slowchess.h"
-#include "support/temporaryfolder.h"
+#include "support/workingfolder.h"
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
 #include <mutex>
 #include <new>
 #include <random>
@@ -27,19 +26,6 @@ constexpr std::uint16_t ALL = TStopBlock::ALL_THREADS;
 constexpr TForm DISTURBED[] = {{2, 1, 0}, {4, 1, 0}, {2, 2, 0}, {3, 2, 0},       {2, 3, 0},
                                {1, 1, 6}, {2, 1, 3}, {4, 2, 6}, {2, 1, 0, true}, {3, 2, 0, true}};
 constexpr const char* ENDLESS = "rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR";
-
-class TWorkingFolder
-{
-public:
-    TWorkingFolder() { std::filesystem::current_path(m_folder.m_path); }
-    ~TWorkingFolder() { std::filesystem::current_path(m_before); }
-    TWorkingFolder(const TWorkingFolder&) = delete;
-    TWorkingFolder& operator=(const TWorkingFolder&) = delete;
-
-private:
-    const std::filesystem::path m_before = std::filesystem::current_path();
-    const TTemporaryFolder m_folder;
-};
 
 TEST(ThreadStops, NumbersOfThreadsAreUniqueAndReturn)
 {
