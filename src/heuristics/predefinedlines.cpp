@@ -110,7 +110,9 @@ constexpr TPredefinedLine g_aLines[] = {
      "1. Nb5-c3 Kc1-d2 2. Nc3-d5+ Kd2-c1 3. Nd5-b4 Kc1-d2 4. Nb4:c2+ Kd2-c1 5. Nc2-b4 Kc1-d2 6. "
      "Nb4-d5+ Kd2-c1 7. Nd5-c3 Kc1-d2 8. Nc3-d1+ Kd2-c1 9. Rd6-d5 d7-d6 10. Rd5:d6 f6:e5 11. "
      "Nd1-c3 Kc1-d2 12. Nc3-e4+ Kd2:e3 13. Ba5-d2+ Ke3:e4 14. e2:d3#"},
-    {"1K1R4/Bp1Np2B/4p3/2pkN2p/1q1p4/1r1p3n/2P2Pn1/b2R4", nullptr},
+    {"1K1R4/Bp1Np2B/4p3/2pkN2p/1q1p4/1r1p3n/2P2Pn1/b2R4",
+     "1. f2-f3 Nh3-g5 2. Rd1-e1 Qb4:e1 3. f3-f4 Ng2:f4 4. c2-c4+ d4:c3 5. Nd7:c5+ Kd5:e5 6. "
+     "Nc5-d7+ Ke5-d6 7. Nd7-e5+ Kd6:e5 8. Ba7-d4#"},
     {"4N3/p3b3/6p1/p7/Bp6/kP6/8/1K6", nullptr},
     {"8/6p1/2K2pP1/p3pP2/4P3/PBPpP3/1ppRp3/krrbB3",
      "1. Bb3-g8 a5-a4 2. c3-c4 Ka1-a2 3. c4-c5+ Ka2-a1 4. Kc6-d5 Ka1-a2 5. Kd5-d6+ Ka2-a1 6. "
