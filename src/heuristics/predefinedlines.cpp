@@ -128,7 +128,12 @@ constexpr TPredefinedLine g_aLines[] = {
      "16. Rc8-d8+ Kd5-c5 17. Bb8-d6+ Kc5-d5 18. Bd6-f8+ Kd5-e5 19. Bf8-g7+ Ke5-f5 20. Rd8-f8+ "
      "Kf5-g5 21. Bg7-f6+ Kg5-f5 22. Ba4-c6 g6-g5 23. Bf6:d4+ Kf5-g6 24. Bc6-e8+ Kg6-h7 25. "
      "Rf8-h8#"},
-    {"8/5kP1/p1Q5/8/2pp1K2/5p2/4qP2/8", nullptr},
+    {"8/5kP1/p1Q5/8/2pp1K2/5p2/4qP2/8",
+     "1. Qc6-c7+ Kf7-g8 2. Kf4-f5 Qe2-e8 3. Kf5-f6 a6-a5 4. Qc7:c4+ Kg8-h7 5. Qc4-c2+ Kh7-g8 6. "
+     "Qc2-c7 a5-a4 7. Qc7-c4+ Kg8-h7 8. Qc4-c2+ Kh7-g8 9. Qc2-c7 a4-a3 10. Qc7-c4+ Kg8-h7 11. "
+     "Qc4-c2+ Kh7-g8 12. Qc2-c7 a3-a2 13. Qc7-c4+ Kg8-h7 14. Qc4-c2+ Kh7-g8 15. Qc2:a2+ Kg8-h7 16. "
+     "Qa2-c2+ d4-d3 17. Qc2:d3+ Kh7-h6 18. Qd3-d2+ Kh6-h7 19. Qd2-c2+ Kh7-h6 20. Qc2-c1+ Kh6-h7 "
+     "21. Qc1-h1+ Qe8-h5 22. Qh1:h5+ Kh7-g8 23. Qh5-h8#"},
     {"3K1nbr/1p3pp1/6kp/2p2p1R/1p3P2/3Pb3/p1Q1B3/R2N2B1", nullptr},
     {"6n1/p2r2P1/3N3p/1P1KR2n/3p1k1N/3r2pP/1p2p3/1R1Bb3",
      "1. Re5-e4+ Kf4-g5 2. Re4-g4+ Kg5-f6 3. Rg4-g6+ Kf6-e7 4. Rg6-e6+ Ke7-d8 5. Re6-e8+ Kd8-c7 6. "
@@ -187,8 +192,14 @@ constexpr TPredefinedLine g_aLines[] = {
      "Re2-d2+ Kd5-e4 7. Rc6-c3 c7-c5 8. Rd2-e2+ Ke4-d5 9. Rc3:c5+ Kd5-d6 10. Rc5-c6+ Kd6-d5 11. "
      "Re2-d2+ Kd5-e4 12. Rc6-c3 f5-f4 13. Rd2-d4+ Ke4-f5 14. Rd4:f4+ Kf5-e6 15. Rc3-c6+ Ke6-d5 16. "
      "Rf4-d4#"},
-    {"r7/8/2K1Q3/6q1/8/5R2/7p/7k", nullptr},
-    {"r1B5/5p1P/P2p2n1/B1P5/P2R2p1/1k2p3/1pN1P1rq/1Kn4b", nullptr},
+    {"r7/8/2K1Q3/6q1/8/5R2/7p/7k",
+     "1. Qe6-e1+ Qg5-g1 2. Rf3-f1 Ra8-a6 3. Kc6-c7 Kh1-g2 4. Qe1-e2+ Kg2-g3 5. Rf1-f3+ Kg3-h4 6. "
+     "Rf3-f4+ Kh4-g5 7. Qe2-e5+ Kg5-h6 8. Rf4-h4+ Kh6-g6 9. Qe5-h5+ Kg6-g7 10. Qh5-h7+ Kg7-f6 11. "
+     "Rh4-f4+ Kf6-g5 12. Qh7-f5+ Kg5-h6 13. Rf4-h4+ Kh6-g7 14. Rh4-h7+ Kg7-g8 15. Qf5-f7#"},
+    {"r1B5/5p1P/P2p2n1/B1P5/P2R2p1/1k2p3/1pN1P1rq/1Kn4b",
+     "1. Rd4-b4+ Kb3-c3 2. Rb4:g4+ Kc3-b3 3. Rg4-b4+ Kb3-c3 4. Rb4-h4+ Kc3-b3 5. h7-h8Q Ng6:h8 6. "
+     "Rh4-b4+ Kb3-c3 7. Rb4-e4+ Kc3-b3 8. Bc8-b7 Rg2-g5 9. Re4-b4+ Kb3-c3 10. Rb4:b2+ Kc3-c4 11. "
+     "Rb2-b4+ Kc4-c3 12. Rb4-e4+ Kc3-b3 13. Nc2-a1+ Kb3-a3 14. Ba5-b4+ Ka3:a4 15. Bb7-c6#"},
     {"8/8/5N2/8/3K1N1p/1p3knR/1Pp2prb/n1B2b1B",
      "1. Kd4-c5 Bh2-g1 2. Kc5-b6 Bg1-h2 3. Kb6-a7 Bh2-g1 4. Ka7-a8 Bg1-h2 5. Ka8-b8 Bh2-g1 6. "
      "Kb8-c7 Bg1-h2 7. Kc7-d6 Bh2-g1 8. Kd6-e7 Bg1-h2 9. Ke7-f8 Bh2-g1 10. Kf8-g7 Bg1-h2 11. "
