@@ -91,6 +91,13 @@ bool IsOnLine(const TVariant& variant, const TChessboard& board, int nPlayed)
     return true;
 }
 
+/// The item isn't one of a variant that the line to the board has left.
+bool MayConcern(const TSortIndication& item, const TChessboard& board, int nPlayed)
+{
+    return !item.m_pVariant || item.m_nMoveNumber <= 1 ||
+           IsOnLine(*item.m_pVariant, board, nPlayed);
+}
+
 const std::vector<TSortIndication>* ItemsOf(const TSortIndications& indications, int nMoveNumber)
 {
     const auto place = indications.m_mapItems.find(static_cast<std::uint16_t>(nMoveNumber));
@@ -179,6 +186,11 @@ TNodeIndications::TNodeIndications(const TChessboard& board, int nInitialMoves)
     m_pIndications = &indications;
     m_nMoveNumber = m_nPlayed / 2 + 1;
     m_pOfNumber = ItemsOf(indications, m_nMoveNumber);
+    if (m_pOfNumber &&
+        std::none_of(m_pOfNumber->begin(), m_pOfNumber->end(), [&](const TSortIndication& item) {
+            return MayConcern(item, board, m_nPlayed);
+        }))
+        m_pOfNumber = nullptr;
     m_pGeneral = ItemsOf(indications, 0);
     m_pPreferred = FindPreferred(*board.m_pRequest, board);
     m_bApply = m_pOfNumber || m_pGeneral || m_pPreferred;
@@ -228,8 +240,7 @@ bool TNodeIndications::Fits(const TSortIndication& item, const TChessboard& chil
 {
     if (!FitsMove(item, child) || (item.m_bNeedsEarlierItems && !FitsEarlierItems()))
         return false;
-    if (item.m_pVariant && item.m_nMoveNumber > 1 &&
-        !IsOnLine(*item.m_pVariant, m_board, m_nPlayed))
+    if (!MayConcern(item, m_board, m_nPlayed))
         return false;
     // A pattern without a figure says nothing that a move could be put forward for.
     if (!item.m_strPattern.empty() &&

@@ -101,21 +101,31 @@ private:
     static constexpr int PROGRESS_PERIOD = 16;
     static constexpr int PROGRESS_DEPTH = 9;
 
+    /// So deep that a scout's turn comes when it is due, not tens of milliseconds later.
+    static constexpr int SCOUT_DEPTH = 7;
+
     bool IsStopped() const { return m_request.IsStopped(m_context.m_nThreadId); }
 
     /// At depths far enough apart that it costs nothing. False when the thread is to give up its
     /// first move: another one has proved it.
     bool ReportProgress()
     {
+        if (m_nDepth == SCOUT_DEPTH && m_context.m_pScout)
+            return LetScoutWork();
         const int nPlayed = m_board.m_nInitialMoves - m_nDepth;
         if (m_nDepth % PROGRESS_PERIOD != PROGRESS_DEPTH ||
             (m_nDepth != PROGRESS_DEPTH && nPlayed < PROGRESS_DEPTH))
             return true;
-        if (m_context.m_pScout)
-            m_context.m_pScout->Work();
         PublishPositions(m_request, m_context);
         if (m_request.OnPositionAnalysed)
             m_request.OnPositionAnalysed(&m_board, m_context);
+        return LetScoutWork();
+    }
+
+    bool LetScoutWork()
+    {
+        if (m_context.m_pScout)
+            m_context.m_pScout->Work();
         if (!m_request.m_pFoundSolutions ||
             !m_request.m_pFoundSolutions->Contains(m_context.m_firstMove))
             return true;
