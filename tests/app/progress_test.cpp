@@ -91,6 +91,8 @@ TEST(Progress, LinesOfARunCanBePlayed)
         std::thread watcher([&] {
             TLineContext stack(2 * 8);
             std::uint64_t nPositions = 0;
+            for (int i = 0; i < 1000 && !progress.Latest(); ++i) // a slow build begins late
+                std::this_thread::sleep_for(std::chrono::milliseconds(10));
             for (int i = 0; i < 40; ++i) {
                 std::this_thread::sleep_for(std::chrono::milliseconds(10));
                 const auto line = i % 2 ? progress.LineOf(0) : progress.Latest();
