@@ -3,6 +3,7 @@
 #include "heuristics/setreader.h"
 #include "search/enginecommand.h"
 #include "search/threads/sharing.h"
+#include "support/slowbuild.h"
 #include "support/slowchess.h"
 #include "support/workingfolder.h"
 
@@ -108,7 +109,7 @@ TEST(ThreadStops, AStopEndsEveryRunSoonAndLeavesNothing)
         for (const TForm& form : DISTURBED) {
             const bool bPaused = nRound % 2 != 0;
             const auto time = TimeToStop(form, 200 + static_cast<int>(random() % 200), bPaused);
-            EXPECT_LT(time.count(), 200) << form.Text() << (bPaused ? " paused" : "");
+            EXPECT_LT(time.count(), 200 * SLOWER) << form.Text() << (bPaused ? " paused" : "");
         }
         struct TOtherRun
         {
@@ -127,7 +128,7 @@ TEST(ThreadStops, AStopEndsEveryRunSoonAndLeavesNothing)
         {
             const auto time = TimeToStop(run.m_form, 30 + static_cast<int>(random() % 200), false,
                                          run.m_pFen, run.m_pSet, run.m_bScout, run.m_nMate);
-            EXPECT_LT(time.count(), 200) << run.m_form.Text() << run.m_pSet << run.m_bScout;
+            EXPECT_LT(time.count(), 200 * SLOWER) << run.m_form.Text() << run.m_pSet << run.m_bScout;
         }
     }
 }
