@@ -128,7 +128,8 @@ TEST(ThreadStops, AStopEndsEveryRunSoonAndLeavesNothing)
         {
             const auto time = TimeToStop(run.m_form, 30 + static_cast<int>(random() % 200), false,
                                          run.m_pFen, run.m_pSet, run.m_bScout, run.m_nMate);
-            EXPECT_LT(time.count(), 200 * SLOWER) << run.m_form.Text() << run.m_pSet << run.m_bScout;
+            EXPECT_LT(time.count(), 200 * SLOWER)
+                << run.m_form.Text() << run.m_pSet << run.m_bScout;
         }
     }
 }
