@@ -12,6 +12,7 @@
 #include <chrono>
 #include <cstdlib>
 #include <filesystem>
+#include <mutex>
 #include <string>
 #include <thread>
 
@@ -102,11 +103,13 @@ public:
 
 private:
     static constexpr const char *TASKS = "/proc/self/task", *FILES = "/proc/self/fd";
-    /// A sanitizer begins a thread of its own, to stay, with the first one of the process.
+    /// Makes the first thread of the process before it counts: a sanitizer begins a thread of its
+    /// own with that one, which stays.
     static std::ptrdiff_t CountTasks()
     {
-        static const int nOnce = (std::thread([] {}).join(), 0);
-        return CountEntries(TASKS) + nOnce;
+        static std::once_flag once;
+        std::call_once(once, [] { std::thread([] {}).join(); });
+        return CountEntries(TASKS);
     }
 
     const int m_nThreads = CountThreads();
