@@ -80,18 +80,23 @@ void CheckForm(const TTask& task, const TForm& form, const char* pSet, TCounts& 
     counts.Add(first.m_sharingCounts);
 }
 
-/// Every form with the task, with nSets sets from the nFirst one on; in a soak each form with each
-/// set, again and again.
+/// nForms forms with the task from the nFirst one on, with nSets sets from there on; in a soak
+/// every form again and again without heuristics and with one of the sets after the other.
 void CheckForms(const TTask& task, std::size_t nFirst, std::size_t nSets, std::size_t nForms,
                 TCounts (&aCounts)[std::size(FORMS)])
 {
-    const bool bSoak = Rounds(1) > 1;
-    for (std::size_t i = 0; i < (bSoak ? std::size(FORMS) : nForms); ++i) {
+    const int nRounds = Rounds(1);
+    for (std::size_t i = 0; i < (nRounds > 1 ? std::size(FORMS) : nForms); ++i) {
         const std::size_t nForm = (nFirst + i) % std::size(FORMS);
-        for (std::size_t k = 0; k < (bSoak ? std::size(SETS) : nSets); ++k) {
-            const char* pSet = SETS[(nFirst + k) % std::size(SETS)];
-            for (int nRound = 0; nRound < Rounds(1) && !testing::Test::HasFatalFailure(); ++nRound)
-                CheckForm(task, FORMS[nForm], pSet, aCounts[nForm]);
+        const auto check = [&](std::size_t nSet) {
+            if (!testing::Test::HasFatalFailure())
+                CheckForm(task, FORMS[nForm], SETS[nSet], aCounts[nForm]);
+        };
+        for (std::size_t k = 0; nRounds == 1 && k < nSets; ++k)
+            check((nFirst + k) % std::size(SETS));
+        for (int nRound = 0; nRounds > 1 && nRound < nRounds; ++nRound) {
+            check(0);
+            check(1 + (nFirst + i + nRound) % (std::size(SETS) - 1));
         }
     }
 }
@@ -105,11 +110,16 @@ TEST(Levels, GroupsAndSchedulersChangeNoSolution)
     for (std::size_t i = 0; i < std::size(FORMS); ++i) {
         const TForm& form = FORMS[i];
         const TCounts& counts = aCounts[i];
-        EXPECT_EQ(counts.m_nGroups > 50, form.HasGroups()) << form.Text();
-        EXPECT_EQ(counts.m_nSchedulers > 20, form.m_nSchedulerLevels > 0) << form.Text();
-        EXPECT_EQ(counts.m_nSwitches > 20, form.m_nSchedulerLevels > 0) << form.Text();
-        EXPECT_EQ(counts.m_nExtraGroups > 20, form.m_bBruteForce) << form.Text();
-        EXPECT_EQ(counts.m_nRespawns > 5, form.m_bBruteForce && form.m_nLevels > 1) << form.Text();
+        const auto expect = [&](std::uint64_t nCount, std::uint64_t nMin, bool bHas) {
+            EXPECT_TRUE(bHas ? nCount > nMin : nCount == 0) << nCount << ", " << form.Text();
+        };
+        expect(counts.m_nGroups, 50, form.HasGroups());
+        expect(counts.m_nSchedulers, 20, form.m_nSchedulerLevels > 0);
+        expect(counts.m_nSwitches, 20, form.m_nSchedulerLevels > 0);
+        expect(counts.m_nExtraGroups, 20, form.m_bBruteForce);
+        // Without levels the last thread of a group beyond them may have one too, now and then.
+        if (!form.m_bBruteForce || form.m_nLevels > 1)
+            expect(counts.m_nRespawns, 5, form.m_bBruteForce);
         EXPECT_EQ(counts.m_nFailures, 0u);
     }
 }
@@ -144,7 +154,7 @@ TEST(Levels, AnswersOfTheDataFolder)
     TCounts aCounts[std::size(FORMS)];
     std::vector<TAnsweredTask> vecRows = ReadAnsweredTasks("mates-dev.tsv");
     const std::vector<TAnsweredTask> vecTruth = ReadAnsweredTasks("truth-dev.tsv");
-    const std::size_t nStep = Rounds(1) > 1 ? 1 : 10;
+    constexpr std::size_t nStep = 10;
     for (std::size_t i = 0; i < vecTruth.size(); i += nStep)
         vecRows.push_back(vecTruth[i]);
     for (std::size_t i = 0; i < vecRows.size(); ++i) {
