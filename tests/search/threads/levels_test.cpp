@@ -92,9 +92,12 @@ void CheckForms(const TTask& task, std::size_t nFirst, std::size_t nSets, std::s
             if (!testing::Test::HasFatalFailure())
                 CheckForm(task, FORMS[nForm], SETS[nSet], aCounts[nForm]);
         };
-        for (std::size_t k = 0; nRounds == 1 && k < nSets; ++k)
-            check((nFirst + k) % std::size(SETS));
-        for (int nRound = 0; nRounds > 1 && nRound < nRounds; ++nRound) {
+        if (nRounds == 1) {
+            for (std::size_t k = 0; k < nSets; ++k)
+                check((nFirst + k) % std::size(SETS));
+            continue;
+        }
+        for (int nRound = 0; nRound < nRounds; ++nRound) {
             check(0);
             check(1 + (nFirst + i + nRound) % (std::size(SETS) - 1));
         }
@@ -110,16 +113,18 @@ TEST(Levels, GroupsAndSchedulersChangeNoSolution)
     for (std::size_t i = 0; i < std::size(FORMS); ++i) {
         const TForm& form = FORMS[i];
         const TCounts& counts = aCounts[i];
-        const auto expect = [&](std::uint64_t nCount, std::uint64_t nMin, bool bHas) {
-            EXPECT_TRUE(bHas ? nCount > nMin : nCount == 0) << nCount << ", " << form.Text();
+        const auto expect = [&](const char* pWhat, std::uint64_t nCount, std::uint64_t nMin,
+                                bool bHas) {
+            EXPECT_TRUE(bHas ? nCount > nMin : nCount == 0)
+                << nCount << " " << pWhat << ", " << form.Text();
         };
-        expect(counts.m_nGroups, 50, form.HasGroups());
-        expect(counts.m_nSchedulers, 20, form.m_nSchedulerLevels > 0);
-        expect(counts.m_nSwitches, 20, form.m_nSchedulerLevels > 0);
-        expect(counts.m_nExtraGroups, 20, form.m_bBruteForce);
+        expect("groups", counts.m_nGroups, 50, form.HasGroups());
+        expect("schedulers", counts.m_nSchedulers, 20, form.m_nSchedulerLevels > 0);
+        expect("switches", counts.m_nSwitches, 20, form.m_nSchedulerLevels > 0);
+        expect("groups beyond the levels", counts.m_nExtraGroups, 20, form.m_bBruteForce);
         // Without levels the last thread of a group beyond them may have one too, now and then.
         if (!form.m_bBruteForce || form.m_nLevels > 1)
-            expect(counts.m_nRespawns, 5, form.m_bBruteForce);
+            expect("groups of the last thread of one", counts.m_nRespawns, 5, form.m_bBruteForce);
         EXPECT_EQ(counts.m_nFailures, 0u);
     }
 }
